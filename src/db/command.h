@@ -1,0 +1,60 @@
+// ADO-like Command, used for the one stored procedure the component calls.
+#ifndef ZARVIK_DB_COMMAND_H_
+#define ZARVIK_DB_COMMAND_H_
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "db/backend.h"
+#include "db/connection.h"
+#include "db/recordset.h"
+
+namespace zarvik::db {
+
+class Parameter {
+ public:
+  explicit Parameter(ParameterInfo info) : info_(std::move(info)) {}
+  const std::string& Name() const { return info_.name; }
+  ParameterDirection Direction() const { return info_.direction; }
+  const Variant& Value() const { return info_.value; }
+  void SetValue(const Variant& value) { info_.value = value; }
+  ParameterInfo& Info() { return info_; }
+
+ private:
+  ParameterInfo info_;
+};
+
+class Command {
+ public:
+  int CommandType() const { return command_type_; }
+  void SetCommandType(int value) { command_type_ = value; }
+  const std::string& CommandText() const { return command_text_; }
+  void SetCommandText(const std::string& value);
+  std::shared_ptr<Connection> ActiveConnection() const { return connection_; }
+  void SetActiveConnection(std::shared_ptr<Connection> connection);
+
+  // The named parameter. On first use of the collection of a stored
+  // procedure the provider is asked to describe the procedure's parameters
+  // (no active connection: 3709). Unknown name: 3265.
+  Parameter& Parameters(const std::string& name);
+  // Declares a parameter explicitly (for providers that cannot describe).
+  void AppendParameter(ParameterInfo info);
+
+  // Runs the command; for a stored procedure the output parameters are
+  // filled afterwards. Returns the result rows (a closed Recordset if none).
+  std::shared_ptr<Recordset> Execute(long options = kCmdUnspecified);
+
+ private:
+  void Describe();
+
+  int command_type_ = static_cast<int>(kCmdUnspecified);
+  std::string command_text_;
+  std::shared_ptr<Connection> connection_;
+  std::vector<Parameter> parameters_;
+  bool described_ = false;
+};
+
+}  // namespace zarvik::db
+
+#endif  // ZARVIK_DB_COMMAND_H_

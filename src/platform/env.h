@@ -1,0 +1,40 @@
+// What the component takes from its surroundings: where message boxes go
+// and what the current date is. Every class gets one Env at construction;
+// tests replace the parts they need to control.
+#ifndef ZARVIK_PLATFORM_ENV_H_
+#define ZARVIK_PLATFORM_ENV_H_
+
+#include <memory>
+
+#include "platform/message_sink.h"
+
+namespace zarvik {
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  // Current local date and time as an OLE automation date (VB's Now).
+  virtual double Now() const = 0;
+};
+
+// The machine's local time.
+class SystemClock : public Clock {
+ public:
+  double Now() const override;
+};
+
+struct Env {
+  std::shared_ptr<MessageSink> sink;
+  std::shared_ptr<Clock> clock;
+};
+
+// Message boxes to stderr, the system clock.
+Env DefaultEnv();
+
+// Calendar helpers on OLE automation dates.
+double OleDateFromYmd(int year, int month, int day);
+void YmdFromOleDate(double oa_date, int* year, int* month, int* day);
+
+}  // namespace zarvik
+
+#endif  // ZARVIK_PLATFORM_ENV_H_
