@@ -31,7 +31,10 @@ struct Env {
 // Message boxes to stderr, the system clock.
 Env DefaultEnv();
 
-// Calendar helpers on OLE automation dates.
+// Calendar helpers on OLE automation dates (day 0 = 1899-12-30). Months
+// and days out of range roll over as in DateSerial. The date of an OLE
+// value is its integer part; the fraction is the time of day either side
+// of day 0. Null output pointers are skipped.
 double OleDateFromYmd(int year, int month, int day);
 void YmdFromOleDate(double oa_date, int* year, int* month, int* day);
 

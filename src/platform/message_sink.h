@@ -33,7 +33,8 @@ class MessageSink {
   virtual void Show(const Message& message) = 0;
 };
 
-// Writes each box to a stream (stderr by default) as one block.
+// Writes each box to a stream (stderr by default) as one block:
+// "[" + title + "] " + text + "\n", the title "ZARVIK" when none is given.
 class StreamMessageSink : public MessageSink {
  public:
   StreamMessageSink();  // std::cerr

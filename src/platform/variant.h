@@ -23,10 +23,10 @@ enum class VarType {
   kInteger,  // 16-bit
   kLong,     // 32-bit
   kDouble,
-  kDate,     // OLE automation date: days since 1899-12-30, fraction = time
+  kDate,  // OLE automation date: days since 1899-12-30, fraction = time
   kString,
-  kObject,   // object reference; a null reference is Nothing
-  kArray,    // two-dimensional Variant array (the one the component returns)
+  kObject,  // object reference; a null reference is Nothing
+  kArray,   // two-dimensional Variant array (the one the component returns)
 };
 
 class VariantArray;
@@ -57,17 +57,27 @@ class Variant {
   bool IsNumeric() const;  // VB IsNumeric
 
   // CStr: Empty -> "", Null -> error 94, Boolean -> "True"/"False",
-  // numbers with an invariant decimal point, objects -> error 13.
+  // numbers with an invariant decimal point, objects and arrays -> error 13.
+  // Dates use a fixed, locale-independent form instead of the machine's
+  // short date: "YYYY-MM-DD" without a time, "YYYY-MM-DD HH:MM:SS" with
+  // one, and "HH:MM:SS" for a time alone (day 0), to the nearest second.
   std::string ToString() const;
   // Text for concatenation with &: Null and Empty give "".
   std::string ConcatText() const;
   // CInt / CLng: round half to even; out of range -> 6; non-numeric -> 13;
-  // Null -> 94.
+  // Null -> 94. Text is read as a number: blanks around it, a sign, digits
+  // with '.' as the decimal point, an exponent with E or D, or "&H" / "&O"
+  // digits (narrowed as two's complement: CInt("&HFFFF") = -1 while
+  // CLng("&HFFFF") = 65535). No thousands separators or currency signs.
   int16_t ToInteger() const;
   int32_t ToLong() const;
   double ToDouble() const;  // CDbl
-  bool ToBool() const;      // CBool
-  double ToDate() const;    // CDate as OLE date
+  // CBool: numbers are True when nonzero; text "True"/"False" in any case
+  // or numeric text; anything else 13, Null 94.
+  bool ToBool() const;
+  // CDate as OLE date: numbers as they are, text in the forms ToString
+  // writes for dates; other text 13, Null 94.
+  double ToDate() const;
   // The object reference (nullptr for Nothing); error 13 when not an object.
   ObjectRef ToObject() const;
   std::shared_ptr<VariantArray> ToArray() const;
@@ -101,7 +111,10 @@ class VariantArray {
 // VB's comparison of two Variants with '=' and '<': Null on either side
 // gives no answer (std::nullopt), which an If statement treats as False.
 // Numbers compare numerically, strings as text (binary compare), a number
-// against numeric text numerically, and Empty as 0 or "".
+// against numeric text numerically, and Empty as 0 or "". A number against
+// text that is not numeric raises 13 (as comparing with a typed number does
+// in VB); a Boolean against text reads the text with CBool; objects and
+// arrays raise 13. The result is -1, 0 or 1.
 std::optional<int> VbCompare(const Variant& a, const Variant& b);
 bool VbEquals(const Variant& a, const Variant& b);  // False when Null
 
