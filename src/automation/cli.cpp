@@ -14,6 +14,8 @@ struct SubCommand {
 // Every sub-command of the zarvik command, in the order `help` lists them.
 const SubCommand kSubCommands[] = {
     {"demo", "create the embedded demo database and tour it", RunDemo},
+    {"describe", "print the automation description of the component's classes", RunDescribe},
+    {"host", "serve the component to a scripting host: JSON requests, one per line", RunHost},
 };
 
 int Help(std::ostream& out) {

@@ -22,6 +22,8 @@ int Main(int argc, char** argv, std::istream& in, std::ostream& out, std::ostrea
 
 // Sub-commands (each in its own file, cmd_<name>.cpp).
 int RunDemo(const Args& args, Streams io);
+int RunDescribe(const Args& args, Streams io);
+int RunHost(const Args& args, Streams io);
 
 }  // namespace zarvik::cli
 

@@ -16,6 +16,7 @@
 #ifndef ZARVIK_AUTOMATION_DISPATCHER_H_
 #define ZARVIK_AUTOMATION_DISPATCHER_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,11 @@
 #include "platform/variant.h"
 
 namespace zarvik::automation {
+
+// Automation error numbers of the boundary (besides those in vb_error.h).
+inline constexpr int32_t kArgumentNotOptional = 449;  // "Argument not optional"
+inline constexpr int32_t kCannotCreateObject = 429;   // "ActiveX component can't create object"
+inline constexpr int32_t kObjectRequired = 424;       // "Object required"
 
 // The value coerced to the declared type (as VariantChangeType would).
 Variant CoerceToType(const Variant& value, const TypeRef& type);
