@@ -75,6 +75,9 @@ class CLSFW_FILTROQUERY {
   void SetStatementLog(std::shared_ptr<db::StatementLog> log) {
     frame_.SetStatementLog(std::move(log));
   }
+  // The frame itself (user id, group flag, OpenConnection, ...), for tests
+  // and for code that composes the class.
+  RevocationFrame& Frame() { return frame_; }
   const RevocationFrame& Frame() const { return frame_; }
 
   // --- Query filter (FiltroCondizione, CondRevoke, CondRevokeCrystal) -------

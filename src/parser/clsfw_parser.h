@@ -69,7 +69,9 @@ class CLSFW_PARSER {
   void SetStatementLog(std::shared_ptr<db::StatementLog> log) {
     frame_.SetStatementLog(std::move(log));
   }
-  // Read access to the frame's private state (user id, group flag, ...).
+  // The frame itself (user id, group flag, OpenConnection, ...), for tests
+  // and for code that composes the class.
+  RevocationFrame& Frame() { return frame_; }
   const RevocationFrame& Frame() const { return frame_; }
 
   // --- Statement rewriter (src/parser/rewriter/) ----------------------------

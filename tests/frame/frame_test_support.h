@@ -1,0 +1,47 @@
+// Shared set-up of the frame tests: a recording Env and a demo database on
+// disk (so that a frame can open it from a connection string).
+#ifndef ZARVIK_TESTS_FRAME_FRAME_TEST_SUPPORT_H_
+#define ZARVIK_TESTS_FRAME_FRAME_TEST_SUPPORT_H_
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "db/connection.h"
+#include "demo/demo_db.h"
+#include "platform/env.h"
+#include "platform/message_sink.h"
+
+namespace zarvik::testing {
+
+struct RecordingEnv {
+  std::shared_ptr<RecordingMessageSink> sink = std::make_shared<RecordingMessageSink>();
+  Env env{sink, std::make_shared<SystemClock>()};
+};
+
+// A demo database file that lives as long as the object.
+class DemoDatabaseFile {
+ public:
+  explicit DemoDatabaseFile(const std::string& name) {
+    path_ = (std::filesystem::temp_directory_path() /
+             ("zarvik_" + name + "_" + std::to_string(::getpid()) + ".db"))
+                .string();
+    std::filesystem::remove(path_);
+    demo::OpenDemoDatabase(path_)->Close();
+  }
+  ~DemoDatabaseFile() { std::filesystem::remove(path_); }
+  DemoDatabaseFile(const DemoDatabaseFile&) = delete;
+  DemoDatabaseFile& operator=(const DemoDatabaseFile&) = delete;
+
+  const std::string& Path() const { return path_; }
+  std::string ConnectionString() const { return demo::DemoConnectionString(path_); }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace zarvik::testing
+
+#endif  // ZARVIK_TESTS_FRAME_FRAME_TEST_SUPPORT_H_
