@@ -77,6 +77,7 @@ class Connection : public Object {
   int cursor_location_ = kUseServer;
   std::shared_ptr<StatementLog> log_;
   std::unique_ptr<Backend> backend_;
+  TracingBackend* tracing_ = nullptr;  // the decorator inside backend_, if any
 };
 
 }  // namespace zarvik::db

@@ -2,6 +2,7 @@
 #ifndef ZARVIK_DB_RECORDSET_H_
 #define ZARVIK_DB_RECORDSET_H_
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +10,12 @@
 #include "db/backend.h"
 #include "platform/object.h"
 #include "platform/variant.h"
+
+// ADO names the end-of-rows test EOF, which the C library defines as a
+// macro. <cstdio> is included above so that its include guard is set, and the
+// macro is removed here for every file that uses a Recordset; such files use
+// std::char_traits<char>::eof() for the C library's value.
+#undef EOF
 
 namespace zarvik::db {
 

@@ -20,6 +20,8 @@ struct StatementLog {
 class TracingBackend : public Backend {
  public:
   TracingBackend(std::unique_ptr<Backend> inner, std::shared_ptr<StatementLog> log);
+  // Switches to another log (nullptr: record nothing).
+  void SetLog(std::shared_ptr<StatementLog> log);
   RowSet Execute(const std::string& sql) override;
   std::vector<ParameterInfo> DescribeProcedure(const std::string& name) override;
   RowSet CallProcedure(const std::string& name, std::vector<ParameterInfo>& params) override;

@@ -1,0 +1,91 @@
+// Command: a stored procedure call with named parameters, or statement text.
+#include "db/command.h"
+
+#include <exception>
+#include <utility>
+
+#include "platform/vb_error.h"
+#include "platform/vb_string.h"
+
+namespace zarvik::db {
+namespace {
+
+// Parameter names match without regard to case and to the leading '@'.
+std::string ParameterKey(const std::string& name) {
+  return vb::UCase(!name.empty() && name[0] == '@' ? name.substr(1) : name);
+}
+
+bool IsStoredProc(long type) { return type != kCmdUnspecified && (type & 0x7) == kCmdStoredProc; }
+
+}  // namespace
+
+void Command::SetCommandText(const std::string& value) {
+  if (value != command_text_) {
+    parameters_.clear();
+    described_ = false;
+  }
+  command_text_ = value;
+}
+
+void Command::SetActiveConnection(std::shared_ptr<Connection> connection) {
+  connection_ = std::move(connection);
+}
+
+void Command::Describe() {
+  if (!connection_) throw VbError(vberr::kAdoConnectionUnusable);
+  Backend& backend = connection_->OpenBackendOrThrow();
+  std::vector<ParameterInfo> infos;
+  try {
+    infos = backend.DescribeProcedure(command_text_);
+  } catch (const VbError&) {
+    throw;
+  } catch (const std::exception& e) {
+    throw VbError(vberr::kProviderError, e.what());
+  }
+  parameters_.clear();
+  for (ParameterInfo& info : infos) parameters_.emplace_back(std::move(info));
+  described_ = true;
+}
+
+Parameter& Command::Parameters(const std::string& name) {
+  if (!described_ && IsStoredProc(command_type_)) Describe();
+  const std::string key = ParameterKey(name);
+  for (Parameter& p : parameters_) {
+    if (ParameterKey(p.Name()) == key) return p;
+  }
+  throw VbError(vberr::kAdoItemNotFound);
+}
+
+void Command::AppendParameter(ParameterInfo info) {
+  parameters_.emplace_back(std::move(info));
+  described_ = true;  // an explicit collection is not described again
+}
+
+std::shared_ptr<Recordset> Command::Execute(long /*options*/) {
+  if (!connection_) throw VbError(vberr::kAdoConnectionUnusable);
+  Backend& backend = connection_->OpenBackendOrThrow();
+  if (!IsStoredProc(command_type_)) return connection_->Execute(command_text_, command_type_);
+  if (!described_) Describe();
+  std::vector<ParameterInfo> infos;
+  infos.reserve(parameters_.size());
+  for (Parameter& p : parameters_) infos.push_back(p.Info());
+  RowSet rows;
+  try {
+    rows = backend.CallProcedure(command_text_, infos);
+  } catch (const VbError&) {
+    throw;
+  } catch (const std::exception& e) {
+    throw VbError(vberr::kProviderError, e.what());
+  }
+  for (size_t i = 0; i < parameters_.size() && i < infos.size(); ++i) {
+    if (infos[i].direction != ParameterDirection::kInput) {
+      parameters_[i].SetValue(infos[i].value);
+    }
+  }
+  const bool has_rows = !rows.columns.empty();
+  auto recordset = std::make_shared<Recordset>(std::move(rows), connection_->CursorLocation());
+  if (!has_rows) recordset->Close();
+  return recordset;
+}
+
+}  // namespace zarvik::db

@@ -1,0 +1,181 @@
+// Recordset navigation, field access, counting and filtering.
+#include "db/recordset.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/vb_error.h"
+
+namespace zarvik::db {
+namespace {
+
+int32_t ErrorOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const VbError& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+// CODE (Long, text or Double), NAME (text), QTY (Long or Null).
+RowSet SampleRows() {
+  RowSet rows;
+  rows.columns = {"CODE", "Name", "QTY"};
+  rows.rows = {{Variant(int32_t{1}), Variant("alpha"), Variant(int32_t{10})},
+               {Variant("1"), Variant("beta"), Variant::Null()},
+               {Variant(2.0), Variant("O'Brien"), Variant(int32_t{10})},
+               {Variant("abc"), Variant("gamma"), Variant(int32_t{30})}};
+  return rows;
+}
+
+std::vector<std::string> Names(Recordset& rs) {
+  std::vector<std::string> names;
+  while (!rs.EOF()) {
+    names.push_back(rs.Fields("NAME").ToString());
+    rs.MoveNext();
+  }
+  return names;
+}
+
+TEST(RecordsetTest, WalksRowsInOrderAndStopsAtEof) {
+  Recordset rs(SampleRows(), kUseClient);
+  EXPECT_EQ(rs.State(), 1);
+  EXPECT_FALSE(rs.BOF());
+  EXPECT_EQ(rs.Fields("code").ToLong(), 1);
+  EXPECT_EQ(rs.Fields(1).ToString(), "alpha");
+  EXPECT_EQ(rs.FieldCount(), 3);
+  EXPECT_EQ(rs.FieldName(1), "Name");
+  EXPECT_EQ(Names(rs), (std::vector<std::string>{"alpha", "beta", "O'Brien", "gamma"}));
+  EXPECT_TRUE(rs.EOF());
+  EXPECT_EQ(ErrorOf([&] { rs.MoveNext(); }), vberr::kAdoNoCurrentRecord);
+  EXPECT_EQ(ErrorOf([&] { rs.Fields("CODE"); }), vberr::kAdoNoCurrentRecord);
+}
+
+TEST(RecordsetTest, EmptyRecordsetIsAtBothEnds) {
+  RowSet rows;
+  rows.columns = {"A"};
+  Recordset rs(rows, kUseClient);
+  EXPECT_TRUE(rs.EOF());
+  EXPECT_TRUE(rs.BOF());
+  EXPECT_EQ(rs.RecordCount(), 0);
+  EXPECT_EQ(ErrorOf([&] { rs.Fields("A"); }), vberr::kAdoNoCurrentRecord);
+}
+
+TEST(RecordsetTest, UnknownFieldIsReportedBeforeMissingRow) {
+  Recordset rs(SampleRows(), kUseClient);
+  EXPECT_EQ(ErrorOf([&] { rs.Fields("NOPE"); }), vberr::kAdoItemNotFound);
+  EXPECT_EQ(ErrorOf([&] { rs.Fields(3); }), vberr::kAdoItemNotFound);
+  EXPECT_EQ(ErrorOf([&] { rs.Fields(-1); }), vberr::kAdoItemNotFound);
+  EXPECT_EQ(ErrorOf([&] { rs.FieldName(7); }), vberr::kAdoItemNotFound);
+  while (!rs.EOF()) rs.MoveNext();
+  EXPECT_EQ(ErrorOf([&] { rs.Fields("NOPE"); }), vberr::kAdoItemNotFound);
+}
+
+TEST(RecordsetTest, RecordCountDependsOnCursorLocation) {
+  EXPECT_EQ(Recordset(SampleRows(), kUseClient).RecordCount(), 4);
+  EXPECT_EQ(Recordset(SampleRows(), kUseServer).RecordCount(), -1);
+}
+
+TEST(RecordsetTest, EveryMemberOfAClosedRecordsetRaises3704) {
+  Recordset rs(SampleRows(), kUseClient);
+  rs.Close();
+  EXPECT_EQ(rs.State(), 0);
+  const std::vector<std::function<void()>> members = {
+      [&] { rs.EOF(); },      [&] { rs.BOF(); },         [&] { rs.Fields("CODE"); },
+      [&] { rs.MoveNext(); }, [&] { rs.RecordCount(); }, [&] { rs.SetFilter(Variant("A = 1")); },
+      [&] { rs.Filter(); },   [&] { rs.FieldCount(); },  [&] { rs.Close(); }};
+  for (size_t i = 0; i < members.size(); ++i) {
+    EXPECT_EQ(ErrorOf(members[i]), vberr::kAdoObjectClosed) << "member " << i;
+  }
+}
+
+struct FilterCase {
+  const char* criteria;
+  std::vector<std::string> names;
+};
+
+class RecordsetFilterTest : public ::testing::TestWithParam<FilterCase> {};
+
+TEST_P(RecordsetFilterTest, KeepsMatchingRows) {
+  Recordset rs(SampleRows(), kUseClient);
+  rs.MoveNext();
+  rs.SetFilter(Variant(GetParam().criteria));
+  EXPECT_EQ(rs.RecordCount(), static_cast<int32_t>(GetParam().names.size()));
+  EXPECT_EQ(rs.Filter().ToString(), GetParam().criteria);
+  EXPECT_EQ(Names(rs), GetParam().names);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Criteria, RecordsetFilterTest,
+    ::testing::Values(
+        // A number matches a Long, numeric text and a Double alike; text that
+        // is no number never matches.
+        FilterCase{"CODE = 1", {"alpha", "beta"}}, FilterCase{"code = '1'", {"alpha", "beta"}},
+        FilterCase{"CODE = 2", {"O'Brien"}}, FilterCase{"NAME = 'O''Brien'", {"O'Brien"}},
+        FilterCase{"QTY = 10 AND CODE = 1", {"alpha"}},
+        FilterCase{"QTY = 10 and NAME = 'O''Brien'", {"O'Brien"}},
+        FilterCase{"[QTY] = 30", {"gamma"}}, FilterCase{"QTY = NULL", {"beta"}},
+        FilterCase{"QTY <> NULL", {"alpha", "O'Brien", "gamma"}}, FilterCase{"QTY > 10", {"gamma"}},
+        FilterCase{"QTY = 99", {}}, FilterCase{"NAME = 'ALPHA'", {}}));
+
+TEST(RecordsetTest, FilterZeroOrEmptyTextClears) {
+  Recordset rs(SampleRows(), kUseClient);
+  rs.SetFilter(Variant("QTY = 30"));
+  EXPECT_EQ(rs.RecordCount(), 1);
+  rs.SetFilter(Variant(int16_t{kFilterNone}));
+  EXPECT_EQ(rs.RecordCount(), 4);
+  EXPECT_EQ(rs.Filter().ToLong(), 0);
+  EXPECT_EQ(rs.Fields("NAME").ToString(), "alpha");
+  rs.SetFilter(Variant("QTY = 30"));
+  rs.SetFilter(Variant(""));
+  EXPECT_EQ(rs.RecordCount(), 4);
+}
+
+TEST(RecordsetTest, FilterWithoutMatchesLeavesBothEnds) {
+  Recordset rs(SampleRows(), kUseServer);
+  rs.SetFilter(Variant("QTY = 99"));
+  EXPECT_TRUE(rs.EOF());
+  EXPECT_TRUE(rs.BOF());
+  EXPECT_EQ(rs.RecordCount(), -1);
+}
+
+TEST(RecordsetTest, BadCriteriaRaise3001) {
+  for (const char* bad : {"NOSUCH = 1", "CODE == 1", "CODE = 'open", "CODE = 1 OR QTY = 2",
+                          "CODE =", "= 1", "CODE = 1 AND", "CODE = 1x", "QTY > NULL"}) {
+    Recordset rs(SampleRows(), kUseClient);
+    EXPECT_EQ(ErrorOf([&] { rs.SetFilter(Variant(bad)); }), vberr::kAdoArgumentsWrong) << bad;
+  }
+  Recordset rs(SampleRows(), kUseClient);
+  EXPECT_EQ(ErrorOf([&] { rs.SetFilter(Variant(int16_t{2})); }), vberr::kAdoArgumentsWrong);
+}
+
+TEST(RecordsetTest, LateBoundMembers) {
+  auto rs = std::make_shared<Recordset>(SampleRows(), kUseClient);
+  Object& object = *rs;
+  EXPECT_EQ(object.TypeName(), "Recordset");
+  EXPECT_EQ(object.GetProperty("eof").Type(), VarType::kBoolean);
+  EXPECT_FALSE(object.GetProperty("EOF").ToBool());
+  EXPECT_TRUE(object.GetProperty("BOF").IsNumeric());
+  EXPECT_EQ(object.GetProperty("RecordCount").ToLong(), 4);
+  EXPECT_EQ(object.GetProperty("State").ToLong(), 1);
+  std::vector<Variant> by_name{Variant("name")};
+  EXPECT_EQ(object.CallMethod("Fields", by_name).ToString(), "alpha");
+  std::vector<Variant> by_index{Variant(int32_t{2})};
+  EXPECT_EQ(object.CallMethod("Fields", by_index).ToLong(), 10);
+  object.PutProperty("Filter", Variant("QTY = 30"));
+  EXPECT_EQ(object.GetProperty("Filter").ToString(), "QTY = 30");
+  std::vector<Variant> none;
+  object.CallMethod("MoveNext", none);
+  EXPECT_TRUE(object.GetProperty("EOF").ToBool());
+  object.CallMethod("Close", none);
+  EXPECT_EQ(object.GetProperty("State").ToLong(), 0);
+  EXPECT_EQ(ErrorOf([&] { object.GetProperty("Nope"); }), vberr::kNotSupported);
+  EXPECT_EQ(ErrorOf([&] { object.CallMethod("Fields", none); }), vberr::kWrongArgCount);
+}
+
+}  // namespace
+}  // namespace zarvik::db

@@ -1,0 +1,283 @@
+// Functions and stored procedures of the ZARVIK_ROUTINES table, reached
+// through Connection and Command.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "db/backend.h"
+#include "db/command.h"
+#include "db/connection.h"
+#include "db/sqlite_backend.h"
+#include "platform/vb_error.h"
+
+namespace zarvik::db {
+namespace {
+
+VbError CaughtError(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const VbError& e) {
+    return e;
+  }
+  return VbError(0, "no error");
+}
+
+// A transfer is revoked when a row of TRASF names both warehouses; the
+// account procedure reads ACCOUNTS (missing row: everything allowed).
+const char kRoutines[] =
+    "CREATE TABLE ZARVIK_ROUTINES (NAME TEXT PRIMARY KEY, KIND TEXT NOT NULL, PARAMS TEXT NOT "
+    "NULL, BODY TEXT NOT NULL);\n"
+    "CREATE TABLE TRASF (DITTA INTEGER, UTENTE INTEGER, ORIG TEXT, DEST TEXT);\n"
+    "INSERT INTO TRASF VALUES (1, 5, 'A1', 'B2');\n"
+    "CREATE TABLE ACCOUNTS (UTENTE INTEGER, GRUPPO INTEGER, CONTO TEXT, ABIL INTEGER, VIS "
+    "INTEGER);\n"
+    "INSERT INTO ACCOUNTS VALUES (5, 12, '0100', 0, 1);\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('FNFW_TRASFREVOCATI', 'FUNCTION', '@Ditta INT, "
+    "@IdUtente INT, @DepOrig VARCHAR, @DepDest VARCHAR', 'SELECT 1 FROM TRASF WHERE DITTA = "
+    ":Ditta AND UTENTE = :IdUtente AND ORIG = :DepOrig AND DEST = :DepDest');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('KVL_GETDATE', 'FUNCTION', '', 'SELECT "
+    "''2024-03-01 10:20:30''');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('SPFW_GetInfoRevokeContoPDC', 'PROCEDURE', '@IdUtente "
+    "INT IN, @GruppoPDC SMALLINT IN, @ContoPDC VARCHAR(20) IN, @canAbilitato INT OUT, "
+    "@canVisualizza INT OUT', 'SELECT IFNULL(MAX(ABIL), 1) AS canAbilitato, IFNULL(MAX(VIS), 1) "
+    "AS canVisualizza FROM ACCOUNTS WHERE UTENTE = :IdUtente AND GRUPPO = :GruppoPDC AND CONTO = "
+    ":ContoPDC');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_DOUBLE', 'procedure', '@X FLOAT INOUT, @D DATETIME "
+    "IN, @Flag INT OUT', 'SELECT :X * 2 AS X, :D AS Flag');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_ROWS', 'PROCEDURE', '@N INT', 'SELECT :N AS A UNION "
+    "ALL SELECT :N + 1');\n";
+
+std::shared_ptr<Connection> OpenWithRoutines() {
+  auto connection = std::make_shared<Connection>();
+  connection->SetConnectionString("Provider=SQLite;Data Source=:memory:");
+  connection->SetCursorLocation(kUseClient);
+  connection->Open();
+  connection->Execute(kRoutines);
+  return connection;
+}
+
+Variant TransferRevoked(Connection& connection, const std::string& orig, const std::string& dest) {
+  return connection.Execute("SELECT dbo.FNFW_TRASFREVOCATI (1, 5, '" + orig + "', '" + dest + "')")
+      ->Fields(0);
+}
+
+TEST(RoutinesTest, FunctionsCreatedByAScriptAreCallableAtOnce) {
+  auto connection = OpenWithRoutines();
+  EXPECT_EQ(TransferRevoked(*connection, "A1", "B2").ToLong(), 1);
+  // No row: NULL.
+  EXPECT_TRUE(TransferRevoked(*connection, "B2", "A1").IsNull());
+  // Names are case-insensitive; arguments bind by declared position.
+  auto rs =
+      connection->Execute("SELECT fnfw_trasfrevocati(DITTA, UTENTE, ORIG, DEST) AS R FROM TRASF");
+  EXPECT_EQ(rs->Fields("R").ToLong(), 1);
+}
+
+TEST(RoutinesTest, FunctionsAreRegisteredWhenAFileDatabaseOpens) {
+  const std::string path = ::testing::TempDir() + "zarvik_routines_test.db";
+  std::remove(path.c_str());
+  const std::string source = "Provider=SQLite;Data Source=" + path;
+  {
+    Connection create;
+    create.SetConnectionString(source);
+    create.Open();
+    create.Execute(kRoutines);
+  }
+  Connection connection;
+  connection.SetConnectionString(source);
+  connection.Open();
+  EXPECT_EQ(TransferRevoked(connection, "A1", "B2").ToLong(), 1);
+  auto rs = connection.Execute(
+      " INSERT INTO TRASF (DITTA, ORIG)  VALUES  (9, [dbo].[KVL_GETDATE]()) ;"
+      "SELECT ORIG FROM TRASF WHERE DITTA = 9");
+  EXPECT_EQ(rs->Fields("ORIG").ToString(), "2024-03-01 10:20:30");
+  connection.Close();
+  std::remove(path.c_str());
+}
+
+TEST(RoutinesTest, ARoutineAddedLaterIsFoundOnFirstUse) {
+  auto connection = OpenWithRoutines();
+  connection->Execute(
+      "INSERT INTO ZARVIK_ROUTINES VALUES ('FN_TWICE', 'FUNCTION', '@V INT', 'SELECT :V * 2')");
+  EXPECT_EQ(connection->Execute("SELECT FN_TWICE(21) AS V")->Fields("V").ToLong(), 42);
+}
+
+TEST(RoutinesTest, FunctionErrorsAreProviderErrors) {
+  auto connection = OpenWithRoutines();
+  connection->Execute(
+      "INSERT INTO ZARVIK_ROUTINES VALUES ('FN_BROKEN', 'FUNCTION', '@V INT', 'SELECT :V FROM "
+      "NOSUCH')");
+  const VbError e = CaughtError([&] { connection->Execute("SELECT FN_BROKEN(1)"); });
+  EXPECT_EQ(e.Number(), vberr::kProviderError);
+  EXPECT_NE(e.Description().find("FN_BROKEN"), std::string::npos) << e.Description();
+  EXPECT_NE(e.Description().find("no such table: NOSUCH"), std::string::npos) << e.Description();
+  // Wrong number of arguments, and an unknown function.
+  EXPECT_EQ(CaughtError([&] { connection->Execute("SELECT FN_TWICE(1)"); }).Number(),
+            vberr::kProviderError);
+  EXPECT_EQ(CaughtError([&] { connection->Execute("SELECT FNFW_TRASFREVOCATI(1)"); }).Number(),
+            vberr::kProviderError);
+}
+
+TEST(RoutinesTest, BadParameterListIsAProviderError) {
+  auto connection = OpenWithRoutines();
+  connection->Execute(
+      "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_BAD', 'PROCEDURE', '@A GEOGRAPHY IN', 'SELECT 1')");
+  Backend& backend = connection->OpenBackendOrThrow();
+  const VbError e = CaughtError([&] { backend.DescribeProcedure("SP_BAD"); });
+  EXPECT_EQ(e.Number(), vberr::kProviderError);
+  EXPECT_NE(e.Description().find("@A GEOGRAPHY IN"), std::string::npos) << e.Description();
+}
+
+TEST(RoutinesTest, ProcedureDescriptionFollowsParams) {
+  auto connection = OpenWithRoutines();
+  const std::vector<ParameterInfo> params =
+      connection->OpenBackendOrThrow().DescribeProcedure("[dbo].[spfw_getinforevokecontopdc]");
+  ASSERT_EQ(params.size(), 5u);
+  const std::vector<std::string> names = {"@IdUtente", "@GruppoPDC", "@ContoPDC", "@canAbilitato",
+                                          "@canVisualizza"};
+  const std::vector<int> types = {adtype::kInteger, adtype::kSmallInt, adtype::kVarChar,
+                                  adtype::kInteger, adtype::kInteger};
+  for (size_t i = 0; i < params.size(); ++i) {
+    EXPECT_EQ(params[i].name, names[i]);
+    EXPECT_EQ(params[i].type, types[i]) << names[i];
+    EXPECT_EQ(params[i].direction,
+              i < 3 ? ParameterDirection::kInput : ParameterDirection::kOutput);
+  }
+  const std::vector<ParameterInfo> other =
+      connection->OpenBackendOrThrow().DescribeProcedure("SP_DOUBLE");
+  ASSERT_EQ(other.size(), 3u);
+  EXPECT_EQ(other[0].type, adtype::kDouble);
+  EXPECT_EQ(other[0].direction, ParameterDirection::kInputOutput);
+  EXPECT_EQ(other[1].type, adtype::kDate);
+}
+
+TEST(RoutinesTest, CommandDescribesBindsAndReadsOutputs) {
+  auto connection = OpenWithRoutines();
+  auto log = std::make_shared<StatementLog>();
+  connection->SetStatementLog(log);
+  struct Row {
+    int16_t gruppo;
+    const char* conto;
+    int32_t abil;
+    int32_t vis;
+  };
+  for (const Row& row : {Row{12, "0100", 0, 1}, Row{12, "0200", 1, 1}, Row{13, "0100", 1, 1}}) {
+    Command command;
+    command.SetCommandType(static_cast<int>(kCmdStoredProc));
+    command.SetCommandText("SPFW_GetInfoRevokeContoPDC");
+    command.SetActiveConnection(connection);
+    command.Parameters("@GruppoPDC").SetValue(Variant(row.gruppo));
+    command.Parameters("@ContoPDC").SetValue(Variant(row.conto));
+    command.Parameters("@idutente").SetValue(Variant(int32_t{5}));
+    EXPECT_TRUE(command.Parameters("@canAbilitato").Value().IsEmpty());
+    auto rs = command.Execute();
+    EXPECT_EQ(rs->State(), kStateClosed);
+    EXPECT_EQ(command.Parameters("@canAbilitato").Value().ToLong(), row.abil) << row.conto;
+    EXPECT_EQ(command.Parameters("@canVisualizza").Value().ToLong(), row.vis) << row.conto;
+  }
+  EXPECT_EQ(log->statements, std::vector<std::string>(3, "{call SPFW_GetInfoRevokeContoPDC}"));
+}
+
+TEST(RoutinesTest, InOutAndDateParameters) {
+  auto connection = OpenWithRoutines();
+  Command command;
+  command.SetCommandType(static_cast<int>(kCmdStoredProc));
+  command.SetCommandText("SP_DOUBLE");
+  command.SetActiveConnection(connection);
+  command.Parameters("X").SetValue(Variant(1.25));
+  command.Parameters("@D").SetValue(Variant::Date(45352.5));  // 2024-03-01 12:00
+  command.Execute();
+  EXPECT_EQ(command.Parameters("@X").Value().ToDouble(), 2.5);
+  EXPECT_EQ(command.Parameters("@Flag").Value().ToString(), "2024-03-01 12:00:00");
+  command.Parameters("@D").SetValue(Variant::Date(45352));
+  command.Execute();
+  EXPECT_EQ(command.Parameters("@X").Value().ToDouble(), 5.0);
+  EXPECT_EQ(command.Parameters("@Flag").Value().ToString(), "2024-03-01");
+}
+
+TEST(RoutinesTest, ProcedureWithoutOutputsReturnsItsRows) {
+  auto connection = OpenWithRoutines();
+  Command command;
+  command.SetCommandType(static_cast<int>(kCmdStoredProc));
+  command.SetCommandText("SP_ROWS");
+  command.SetActiveConnection(connection);
+  command.Parameters("@N").SetValue(Variant(int32_t{7}));
+  auto rs = command.Execute();
+  ASSERT_EQ(rs->State(), kStateOpen);
+  EXPECT_EQ(rs->RecordCount(), 2);
+  EXPECT_EQ(rs->Fields("A").ToLong(), 7);
+  // Called by name through the connection, without parameters.
+  auto by_name = connection->Execute("SP_ROWS", kCmdStoredProc);
+  EXPECT_TRUE(by_name->Fields("A").IsNull());
+}
+
+TEST(RoutinesTest, ExplicitParametersAreNotDescribed) {
+  auto connection = OpenWithRoutines();
+  Command command;
+  command.SetCommandType(static_cast<int>(kCmdStoredProc));
+  command.SetCommandText("SPFW_GetInfoRevokeContoPDC");
+  command.SetActiveConnection(connection);
+  ParameterInfo id{"@IdUtente", adtype::kInteger, ParameterDirection::kInput, Variant(int32_t{5})};
+  ParameterInfo gruppo{"@GruppoPDC", adtype::kSmallInt, ParameterDirection::kInput,
+                       Variant(int16_t{12})};
+  ParameterInfo conto{"@ContoPDC", adtype::kVarChar, ParameterDirection::kInput, Variant("0100")};
+  ParameterInfo abil{"@canAbilitato", adtype::kInteger, ParameterDirection::kOutput, Variant()};
+  for (const ParameterInfo& p : {id, gruppo, conto, abil}) command.AppendParameter(p);
+  command.Execute();
+  EXPECT_EQ(command.Parameters("@canAbilitato").Value().ToLong(), 0);
+  EXPECT_EQ(CaughtError([&] { command.Parameters("@canVisualizza"); }).Number(),
+            vberr::kAdoItemNotFound);
+}
+
+TEST(RoutinesTest, CommandErrors) {
+  Command unbound;
+  unbound.SetCommandType(static_cast<int>(kCmdStoredProc));
+  unbound.SetCommandText("SPFW_GetInfoRevokeContoPDC");
+  EXPECT_EQ(CaughtError([&] { unbound.Parameters("@IdUtente"); }).Number(),
+            vberr::kAdoConnectionUnusable);
+  EXPECT_EQ(CaughtError([&] { unbound.Execute(); }).Number(), vberr::kAdoConnectionUnusable);
+
+  auto closed = std::make_shared<Connection>();
+  unbound.SetActiveConnection(closed);
+  EXPECT_EQ(CaughtError([&] { unbound.Parameters("@IdUtente"); }).Number(),
+            vberr::kAdoConnectionUnusable);
+
+  auto connection = OpenWithRoutines();
+  Command command;
+  command.SetCommandType(static_cast<int>(kCmdStoredProc));
+  command.SetCommandText("SPFW_GetInfoRevokeContoPDC");
+  command.SetActiveConnection(connection);
+  EXPECT_EQ(CaughtError([&] { command.Parameters("@Nope"); }).Number(), vberr::kAdoItemNotFound);
+
+  for (const char* missing : {"SP_NOPE", "FNFW_TRASFREVOCATI"}) {
+    Command unknown;
+    unknown.SetCommandType(static_cast<int>(kCmdStoredProc));
+    unknown.SetCommandText(missing);
+    unknown.SetActiveConnection(connection);
+    const VbError e = CaughtError([&] { unknown.Parameters("@X"); });
+    EXPECT_EQ(e.Number(), vberr::kProviderError) << missing;
+    EXPECT_EQ(e.Description(), "Could not find stored procedure '" + std::string(missing) + "'.");
+  }
+
+  // Without a routines table at all.
+  Connection bare;
+  bare.SetConnectionString("Provider=SQLite;Data Source=:memory:");
+  bare.Open();
+  EXPECT_EQ(CaughtError([&] { bare.Execute("SP_ROWS", kCmdStoredProc); }).Number(),
+            vberr::kProviderError);
+}
+
+TEST(RoutinesTest, TextCommandRunsOnTheConnection) {
+  auto connection = OpenWithRoutines();
+  Command command;
+  command.SetCommandType(static_cast<int>(kCmdText));
+  command.SetCommandText("SELECT COUNT(*) AS N FROM TRASF");
+  command.SetActiveConnection(connection);
+  EXPECT_EQ(command.Execute()->Fields("N").ToLong(), 1);
+}
+
+}  // namespace
+}  // namespace zarvik::db
