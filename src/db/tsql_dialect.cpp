@@ -8,6 +8,7 @@
 
 #include <cctype>
 #include <cstddef>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -187,6 +188,7 @@ class Translator {
     return false;
   }
   size_t MatchParen(size_t open, size_t end) const;
+  void DropSubqueryParens(size_t open, size_t end, std::set<size_t>* dropped) const;
   std::vector<std::pair<size_t, size_t>> SplitArgs(size_t open, size_t close) const;
 
   // Each returns the index after the construct, or 0 when it does not apply.
@@ -205,6 +207,21 @@ size_t Translator::MatchParen(size_t open, size_t end) const {
     if (IsPunct(i, ')') && --depth == 0) return i;
   }
   return end;
+}
+
+// x IN ((SELECT ...)): T-SQL reads the inner parentheses as part of the
+// sub-query, SQLite as a list holding one scalar sub-query (its first row
+// only), so the inner pair is dropped.
+void Translator::DropSubqueryParens(size_t open, size_t end, std::set<size_t>* dropped) const {
+  const size_t outer_close = MatchParen(open, end);
+  const size_t inner = NextSolid(open + 1, end);
+  if (outer_close >= end || !IsPunct(inner, '(') || !IsWord(NextSolid(inner + 1, end), "SELECT")) {
+    return;
+  }
+  const size_t inner_close = MatchParen(inner, end);
+  if (NextSolid(inner_close + 1, end) != outer_close) return;
+  dropped->insert(inner);
+  dropped->insert(inner_close);
 }
 
 // The comma-separated arguments between `open` and `close` (top level only).
@@ -344,8 +361,9 @@ size_t Translator::TryCast(size_t i, size_t end, std::string* out) const {
 std::string Translator::Run(size_t begin, size_t end) const {
   std::string out;
   std::vector<Frame> frames(1);
-  int open_escapes = 0;    // {oj ... } still open
-  bool after_dbo = false;  // the token follows a dropped dbo. qualifier
+  int open_escapes = 0;      // {oj ... } still open
+  bool after_dbo = false;    // the token follows a dropped dbo. qualifier
+  std::set<size_t> dropped;  // redundant parentheses around IN sub-queries
 
   auto emit_solid = [&](const std::string& text) {
     out += text;
@@ -449,7 +467,12 @@ std::string Translator::Run(size_t begin, size_t end) const {
       ++i;
       continue;
     }
+    if (dropped.count(i) != 0) {
+      ++i;
+      continue;
+    }
     if (IsPunct(i, '(')) {
+      if (PrevSolidIsWord(i, begin, "IN")) DropSubqueryParens(i, end, &dropped);
       const bool after_exists = PrevSolidIsWord(i, begin, "EXISTS");
       emit_solid(tk.text);
       Frame frame;

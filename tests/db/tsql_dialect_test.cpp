@@ -99,10 +99,16 @@ INSTANTIATE_TEST_SUITE_P(
              "                     FROM MG6W_STATIART                      WHERE NOT EXISTS "
              "(SELECT TOP 1 1                                         FROM VFW31_RVKPARAMETRI "
              "WHERE FW31_CODTIPO = CAST(MG6W_INDSTATO AS NVARCHAR)  AND FW31_INDTIPO = 14))) ",
-             " MG66_INDSTATO_MG6W IN (                   (SELECT MG6W_INDSTATO  "
+             " MG66_INDSTATO_MG6W IN (                   SELECT MG6W_INDSTATO  "
              "                     FROM MG6W_STATIART                      WHERE NOT EXISTS "
              "(SELECT 1                                         FROM VFW31_RVKPARAMETRI "
-             "WHERE FW31_CODTIPO = CAST(MG6W_INDSTATO AS TEXT)  AND FW31_INDTIPO = 14))) "},
+             "WHERE FW31_CODTIPO = CAST(MG6W_INDSTATO AS TEXT)  AND FW31_INDTIPO = 14)) "},
+        Case{"a sub-query in doubled parentheses after IN keeps all its rows",
+             "SELECT A FROM T WHERE A IN ( (SELECT B FROM U) ) AND C NOT IN ((SELECT D FROM V))",
+             "SELECT A FROM T WHERE A IN ( SELECT B FROM U ) AND C NOT IN (SELECT D FROM V)"},
+        Case{"a list that holds a scalar sub-query stays a list",
+             "SELECT A FROM T WHERE A IN ((SELECT B FROM U), 3) OR A IN ((1), 2)",
+             "SELECT A FROM T WHERE A IN ((SELECT B FROM U), 3) OR A IN ((1), 2)"},
         Case{"EXISTS separated from its parenthesis by blanks and a line break",
              "              (    EXISTS                 " + kCrLf +
                  "             (SELECT     TOP 1 1           FROM       MG2G_DESTAGEMUL A WITH "
