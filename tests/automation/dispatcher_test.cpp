@@ -19,6 +19,21 @@
 #include "platform/vb_error.h"
 
 namespace zarvik::automation {
+
+// A record of rights returned by value, as the rights methods return theirs.
+struct ProbeRights {
+  bool enabled = true;
+  bool may_insert = false;
+};
+
+template <>
+struct VariantConverter<ProbeRights> {
+  static Variant To(const ProbeRights& r) {
+    return MakeRecord("tsProbeRights", {{"Abilitato", Variant::Boolean(r.enabled)},
+                                        {"Inserimento", Variant::Boolean(r.may_insert)}});
+  }
+};
+
 namespace {
 
 // A class with one member of each shape the component's classes use.
@@ -54,6 +69,7 @@ class Probe {
     return MakeRecord("tsProbe",
                       {{"Abilitato", Variant::Boolean(true)}, {"Num", Variant(int16_t{3})}});
   }
+  ProbeRights Typed(bool insert) { return ProbeRights{true, insert}; }
   std::string Value() const { return value_; }
   void SetValue(const std::string& v) { value_ = v; }
 
@@ -85,6 +101,8 @@ std::shared_ptr<const ClassDescription> DescribeProbe() {
       .Method("ConnectionKind", {In("c", types::Connection())}, types::String(),
               &Probe::ConnectionKind)
       .Method("Rights", {}, types::Record("tsProbe"), &Probe::Rights)
+      .Method("Typed", {In("insert", types::Boolean())}, types::Record("tsProbeRights"),
+              &Probe::Typed)
       .Get("Value", types::String(), &Probe::Value)
       .Let("Value", types::String(), &Probe::SetValue);
   return cls;
@@ -234,6 +252,15 @@ TEST_F(DispatcherTest, NamesIgnoreCaseAndPropertiesAnswerCalls) {
   ASSERT_EQ(record->Fields().size(), 2u);
   EXPECT_EQ(record->Fields()[0].first, "Abilitato");
   EXPECT_EQ(record->GetProperty("num").ToLong(), 3);
+}
+
+TEST_F(DispatcherTest, RecordStructsBecomeRecordObjects) {
+  const Variant v = Call1("Typed", Variant(int32_t{1}));
+  auto record = std::dynamic_pointer_cast<RecordObject>(v.ToObject());
+  ASSERT_NE(record, nullptr);
+  EXPECT_EQ(record->TypeName(), "tsProbeRights");
+  EXPECT_EQ(record->GetProperty("Abilitato").RawNumber(), -1);
+  EXPECT_EQ(record->GetProperty("Inserimento").RawNumber(), -1);
 }
 
 TEST(ClassBuilder, DescriptionMustMatchTheCxxSignature) {
