@@ -77,6 +77,73 @@ class CLSFW_PARSER {
   // --- Statement rewriter (src/parser/rewriter/) ----------------------------
 
   // --- Condition builders (src/parser/conditions/) --------------------------
+  // Each returns one predicate the host pastes into its own WHERE clause:
+  // "" when nothing is restricted, otherwise the predicate, with " AND " in
+  // front when inserire_and is True. Failures are reported with the method's
+  // name as tag; the method then returns the text built so far.
+  //
+  // Customers and suppliers: NOT EXISTS on VFW32_LISTACFREVOCATI. Empty
+  // column arguments follow from the table prefix (CG44, DO11 or another).
+  // allow_null is accepted for callers and changes nothing.
+  std::string SQLConditionCliFor(const std::string& pref_tabella, bool inserire_and,
+                                 const std::string& nome_campo_ditta = "",
+                                 const std::string& nome_campo_tipo_cf = "",
+                                 const std::string& nome_campo_cli_for = "",
+                                 bool allow_null = true);
+  // Document headers: document type, customer/supplier, office, warehouse
+  // and agent conditions in this order.
+  std::string SQLConditionDO11(bool inserire_and);
+  // Simulation codes (kind 15), compared with the trimmed column.
+  std::string SQLConditionCodSimPD90(const std::string& nome_campo, bool inserire_and);
+  // The older entry point: SQLConditionCliFor(pref_tabella, inserire_and)
+  // with empty columns and allow_null False. Both arguments are by reference.
+  std::string CLIFORCondition(std::string& pref_tabella, bool& inserire_and);
+  // Destinations visible to the host's current agent (read late-bound from
+  // ActiveInterface.ClsGlobal.Gcls_UtenteCorrente.IdAgente).
+  std::string SQLConditionDestinazioni(const std::string& nome_campo_destinatario,
+                                       const std::string& nome_campo_ditta,
+                                       const std::string& nome_campo_tipo_cf,
+                                       const std::string& nome_campo_cli_for, bool inserire_and,
+                                       const std::string& alias_mg2g = "MG2GRVK");
+  // The revoked customers/suppliers as rows of CG44_CLIFOR; nullptr
+  // (Nothing) without a connection or on failure.
+  std::shared_ptr<db::Recordset> CliForRevocati();
+  // Warehouses (kind 6) and offices (kind 4): column NOT IN (revoked list).
+  std::string SQLConditionDepositi(const std::string& nome_campo, bool inserire_and,
+                                   bool allow_null = true);
+  std::string SQLConditionSediMov(const std::string& nome_campo, bool inserire_and,
+                                  bool allow_null = true);
+  // Document types (kind 7) through MG3G_DOCDITTA of the current company.
+  std::string SQLConditionDocMG36(const std::string& nome_campo, bool inserire_and);
+  // Documents of the agent CodiceAgente (DO29_DOCTESAGENTI); "" without one.
+  std::string SQLConditionAgentiDoc(const std::string& nome_campo_ditta,
+                                    const std::string& nome_campo_num_reg, bool inserire_and);
+  // NOT EXISTS sub-queries on VFW31_RVKPARAMETRI / VFW3N_RVKNODI.
+  std::string SQLConditionContesto(const std::string& nome_campo, bool inserire_and);
+  std::string SQLConditionProgetto(const std::string& nome_campo, bool inserire_and);
+  std::string SQLConditionNodo(const std::string& nome_campo,
+                               const std::string& nome_campo_progetto, bool inserire_and);
+  std::string SQLConditionWizAnag(int16_t tipo_wizard, const std::string& nome_campo_modello,
+                                  const std::string& nome_campo_ind_sta_per, bool inserire_and);
+  std::string SQLConditionTracciatiImport(const std::string& nome_campo_struttura,
+                                          const Variant& nome_campo_tracciato, bool inserire_and);
+  std::string SQLConditionTracciatiExport(const std::string& nome_campo_struttura,
+                                          const std::string& nome_campo_tracciato,
+                                          bool inserire_and);
+  std::string SQLConditionInsiemi(const std::string& nome_campo, bool inserire_and);
+  // Chart-of-accounts accounts (kind 26): visible accounts, blocked accounts
+  // (" 1=0 " for the privileged user or a disabled context) and a join that
+  // keeps only blocked accounts (matching nothing for the privileged user).
+  std::string SQLConditionContiPDC(const std::string& nome_campo_gruppo_pdc,
+                                   const std::string& nome_campo_conto_pdc, bool inserire_and,
+                                   bool escludi_non_visualizzabili = true);
+  std::string SQLConditionContiPDCBloccati(const std::string& nome_campo_gruppo_pdc,
+                                           const std::string& nome_campo_conto_pdc,
+                                           bool inserire_and,
+                                           bool escludi_non_visualizzabili = true);
+  std::string SQLinnerjoinContiPDCBloccati(const std::string& nome_campo_gruppo_pdc,
+                                           const std::string& nome_campo_conto_pdc,
+                                           bool escludi_non_visualizzabili = false);
 
   // --- Block checks and rights records (src/parser/checks/) -----------------
 
@@ -98,6 +165,23 @@ class CLSFW_PARSER {
   // --- Private operations of the statement rewriter -------------------------
 
   // --- Private operations of the condition builders -------------------------
+  // Tests of the condition builders set the scanner state (CurrentAlias,
+  // FromRewriter) that the customer/supplier condition reads.
+  friend class ConditionScannerStateForTest;
+  // The agent rule of the statement rewriter: " MG17_IDAGENTE = '" +
+  // CodiceAgente + "'", or "" when CodiceAgente is blank. Runs no query.
+  std::string AgentRule() const;
+  // OpenConnection (its answer is not used: a missing or closed connection
+  // makes the first query fail under the caller's tag), then ResolveUser.
+  void ConnectForCondition();
+  // The warehouse (kind 6) and office (kind 4) list conditions of the
+  // current company, with " AND " when inserire_and and the IS NULL
+  // alternative when allow_null; "" when nothing is revoked. Query failures
+  // reach the caller's trap.
+  std::string WarehouseListCondition(const std::string& nome_campo, bool inserire_and,
+                                     bool allow_null);
+  std::string OfficeListCondition(const std::string& nome_campo, bool inserire_and,
+                                  bool allow_null);
 
   // --- Private operations of the block checks and rights records ------------
 };
