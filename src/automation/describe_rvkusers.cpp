@@ -11,7 +11,16 @@ namespace {
 using RvkUsers = CLSFW_RVKUSERS;
 
 // LoginRvk, TerminateConnection.
-void DescribeLoginMembers(ClassBuilder<RvkUsers>& /*b*/) {}
+void DescribeLoginMembers(ClassBuilder<RvkUsers>& b) {
+  b.Method(
+       "LoginRvk",
+       {ByRef("Risultato", types::Integer()), ByRef("WinUser", types::String()),
+        ByRef("Gruppo", types::String()).Optional(), ByRef("Utente", types::String()).Optional()},
+       types::Void(), &RvkUsers::LoginRvk,
+       "logs a login attempt and locks the user after MaxNumTry failures")
+      .Method("TerminateConnection", {}, types::Void(), &RvkUsers::TerminateConnection,
+              "closes a connection the object opened itself and releases ConnectionADO");
+}
 
 }  // namespace
 
