@@ -1,11 +1,18 @@
 // `zarvik demo [--db PATH]`: creates the demo database and tours it.
+#include <cstdio>
+#include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 
 #include "automation/cli.h"
+#include "db/tracing.h"
 #include "demo/demo_db.h"
+#include "demo/text_table.h"
 #include "demo/tour.h"
+#include "platform/env.h"
 #include "platform/vb_error.h"
+#include "rvkusers/clsfw_rvkusers.h"
 
 namespace zarvik::cli {
 namespace {
@@ -17,6 +24,89 @@ const char kUsage[] =
     "is new or empty; an existing demo file is reused) and prints what is in\n"
     "it: companies, users, agents, the revocations of every user and the\n"
     "business tables.\n";
+
+// --- Scene: login lock-out (CLSFW_RVKUSERS) ----------------------------------
+
+// The component's clock, set by the scene.
+class SceneClock : public Clock {
+ public:
+  double Now() const override { return now; }
+  double now = 0;
+};
+
+// BRUNO fails three times on 5 March 2024 with MaxNumTry = 3 and is locked;
+// the administrator re-enables him at 10:00 and the count starts again. The
+// scene runs on a private in-memory copy of the demo database so that the
+// tour (and a demo file given with --db) stays as it was; the component's
+// clock and the database's KVL_GETDATE are set to each moment.
+void ShowLockOutScene(demo::TourContext& tour) {
+  const auto database = demo::OpenDemoDatabase(":memory:");
+  const auto log = std::make_shared<db::StatementLog>();
+  database->SetStatementLog(log);
+  const auto clock = std::make_shared<SceneClock>();
+  CLSFW_RVKUSERS rvk(Env{DefaultMessageSink(), clock});
+  rvk.SetConnectionADO(database);
+  rvk.SetMaxNumTry(3);
+  auto set_time = [&](int hour, int minute) {
+    clock->now = OleDateFromYmd(2024, 3, 5) + (hour * 60 + minute) / 1440.0;
+    char stamp[32];
+    std::snprintf(stamp, sizeof stamp, "2024-03-05 %02d:%02d:00.000", hour, minute);
+    database->Execute(std::string("UPDATE ZARVIK_ROUTINES SET BODY = 'SELECT ''") + stamp +
+                          "''' WHERE NAME = 'KVL_GETDATE'",
+                      db::kCmdText);
+    return std::string(stamp).substr(11, 5);
+  };
+  auto locked = [&]() {
+    return demo::QueryRows(*database, "SELECT FW07_FLGREVOKE FROM FW07_APPUSER WHERE FW07_ID = 10")
+        .at(0)
+        .at(0)
+        .ConcatText();
+  };
+  demo::TextTable table(
+      {"TIME", "RISULTATO", "AFTER", "ISREVOKED", "COUNTED", "FW07_FLGREVOKE", "NOTE"});
+  auto attempt = [&](int hour, int minute, int16_t outcome, const char* note) {
+    const std::string time = set_time(hour, minute);
+    log->statements.clear();
+    int16_t risultato = outcome;
+    std::string win_user = "PC-BRUNO";
+    std::optional<std::string> group;
+    std::optional<std::string> login = std::string("lbruno");
+    rvk.LoginRvk(risultato, win_user, group, login);
+    // The failures the class counted: its own count statement, run again.
+    std::string counted = "-";
+    for (const std::string& sql : log->statements) {
+      if (sql.rfind("SELECT COUNT(", 0) == 0) {
+        counted = demo::QueryRows(*database, sql).at(0).at(0).ConcatText();
+      }
+    }
+    table.AddRow({time, std::to_string(outcome), std::to_string(risultato),
+                  rvk.IsRevoked() == RevokeVantor ? "RevokeVantor" : "NoRevoke", counted, locked(),
+                  note});
+  };
+  tour.out << "  CLSFW_RVKUSERS on a private copy of the demo database, on 5 March 2024,\n"
+              "  MaxNumTry = 3. BRUNO (login lbruno) failed twice on 4 March: those\n"
+              "  attempts are not counted today.\n\n";
+  attempt(9, 0, 1, "wrong password");
+  attempt(9, 1, 1, "wrong password");
+  attempt(9, 2, 1, "third failure today: locked");
+  attempt(9, 5, 0, "right password, refused as revoked");
+  set_time(10, 0);
+  database->Execute("UPDATE FW07_APPUSER SET FW07_FLGREVOKE = 0 WHERE FW07_ID = 10", db::kCmdText);
+  database->Execute(
+      "INSERT INTO FW33_RVKUSER (FW33_ID_FW07, FW33_DATA, FW33_AZIONE, FW33_RISULTATO, "
+      "FW33_WINUSER, FW33_DATAORA) VALUES (10, '20240305', 10, 0, 'ADMIN', KVL_GETDATE())",
+      db::kCmdText);
+  table.AddRow({"10:00", "", "", "", "", locked(), "re-enabled by ADMIN (log action 10)"});
+  attempt(10, 5, 1, "wrong password: the count starts again");
+  attempt(10, 6, 0, "logged in");
+  table.Print(tour.out, "  ");
+  database->Close();
+}
+
+// Scenes of the component's classes, shown after the tour of the data.
+const demo::TourScene kClassScenes[] = {
+    {"Login lock-out", ShowLockOutScene},
+};
 
 }  // namespace
 
@@ -48,6 +138,7 @@ int RunDemo(const Args& args, Streams io) {
            << "\n\n";
     demo::TourContext tour{*connection, io.out};
     demo::RunTour(tour);
+    for (const demo::TourScene& scene : kClassScenes) demo::ShowScene(scene, tour);
     connection->Close();
   } catch (const VbError& e) {
     io.err << "zarvik demo: " << e.Number() << " - " << e.Description() << "\n";
