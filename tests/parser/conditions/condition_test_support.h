@@ -1,0 +1,101 @@
+// Shared set-up of the condition builder tests: a CLSFW_PARSER on a fresh
+// in-memory demo database whose statements are logged and whose message
+// boxes are recorded, and the helpers that run a predicate inside a real
+// statement.
+#ifndef ZARVIK_TESTS_PARSER_CONDITIONS_CONDITION_TEST_SUPPORT_H_
+#define ZARVIK_TESTS_PARSER_CONDITIONS_CONDITION_TEST_SUPPORT_H_
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "db/connection.h"
+#include "db/tracing.h"
+#include "demo/demo_db.h"
+#include "demo/tour.h"
+#include "parser/clsfw_parser.h"
+#include "platform/env.h"
+#include "platform/message_sink.h"
+#include "platform/variant.h"
+
+namespace zarvik {
+
+// Reaches the scanner state and the private workers of the condition
+// builders (declared a friend of CLSFW_PARSER).
+class ConditionScannerStateForTest {
+ public:
+  static void SetCurrentAlias(CLSFW_PARSER& p, const std::string& alias) {
+    p.current_alias_ = alias;
+  }
+  static void SetFromRewriter(CLSFW_PARSER& p, bool value) { p.from_rewriter_ = value; }
+  static std::string AgentRule(const CLSFW_PARSER& p) { return p.AgentRule(); }
+  static std::string WarehouseList(CLSFW_PARSER& p, const std::string& column, bool and_,
+                                   bool allow_null) {
+    return p.WarehouseListCondition(column, and_, allow_null);
+  }
+  static std::string OfficeList(CLSFW_PARSER& p, const std::string& column, bool and_,
+                                bool allow_null) {
+    return p.OfficeListCondition(column, and_, allow_null);
+  }
+};
+
+namespace testing {
+
+// A user code that is not in FW07_APPUSER: the lookup finds nothing and
+// keeps the id the test set, so that texts can be pinned with any id.
+inline constexpr const char* kUnknownUser = "ORDINARIO";
+
+class ConditionTest : public ::testing::Test {
+ protected:
+  ConditionTest() : parser(Env{sink, std::make_shared<SystemClock>()}) {
+    db->SetStatementLog(log);
+    parser.SetConnectionADO(db);
+    parser.SetDittaCorrente(Variant(int32_t{1}));
+  }
+
+  // The user for both codes (the customer/supplier code is the one most
+  // conditions compare with the privileged code).
+  void AsUser(const std::string& code, const std::string& group = "VEN") {
+    parser.SetCodiceGruppo(group);
+    parser.SetCodiceUtente(code);
+    parser.SetCodiceUtenteCLIFOR(code);
+  }
+  // An ordinary user unknown to the database whose id is `id`.
+  void AsUnknownUserWithId(int32_t id) {
+    AsUser(kUnknownUser);
+    parser.SetIdUser(id);
+  }
+  void AsRossi() { AsUser("ROSSI"); }
+
+  // The first column of every row of `statement`, as text.
+  std::vector<std::string> Rows(const std::string& statement) {
+    std::vector<std::string> values;
+    for (const auto& row : demo::QueryRows(*db, statement)) {
+      values.push_back(row.at(0).ConcatText());
+    }
+    return values;
+  }
+
+  // Boxes shown so far.
+  const std::vector<Message>& Boxes() const { return sink->messages; }
+  // The reporter's second line for a tag.
+  static std::string TagLine(const std::string& tag) {
+    return "\r\nin ZARVIK: CLSFW_PARSER - " + tag;
+  }
+  static bool EndsWith(const std::string& text, const std::string& tail) {
+    return text.size() >= tail.size() &&
+           text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+  }
+
+  std::shared_ptr<RecordingMessageSink> sink = std::make_shared<RecordingMessageSink>();
+  std::shared_ptr<db::Connection> db = demo::OpenDemoDatabase(":memory:");
+  std::shared_ptr<db::StatementLog> log = std::make_shared<db::StatementLog>();
+  CLSFW_PARSER parser;
+};
+
+}  // namespace testing
+}  // namespace zarvik
+
+#endif  // ZARVIK_TESTS_PARSER_CONDITIONS_CONDITION_TEST_SUPPORT_H_
