@@ -62,8 +62,7 @@ void ShowLockOutScene(demo::TourContext& tour) {
         .at(0)
         .ConcatText();
   };
-  demo::TextTable table(
-      {"TIME", "RISULTATO", "AFTER", "ISREVOKED", "COUNTED", "FW07_FLGREVOKE", "NOTE"});
+  demo::TextTable table({"TIME", "RISULTATO", "AFTER", "ISREVOKED", "COUNTED", "LOCKED", "NOTE"});
   auto attempt = [&](int hour, int minute, int16_t outcome, const char* note) {
     const std::string time = set_time(hour, minute);
     log->statements.clear();
@@ -85,19 +84,19 @@ void ShowLockOutScene(demo::TourContext& tour) {
   };
   tour.out << "  CLSFW_RVKUSERS on a private copy of the demo database, on 5 March 2024,\n"
               "  MaxNumTry = 3. BRUNO (login lbruno) failed twice on 4 March: those\n"
-              "  attempts are not counted today.\n\n";
+              "  attempts are not counted today. LOCKED is FW07_FLGREVOKE after the call.\n\n";
   attempt(9, 0, 1, "wrong password");
   attempt(9, 1, 1, "wrong password");
   attempt(9, 2, 1, "third failure today: locked");
-  attempt(9, 5, 0, "right password, refused as revoked");
+  attempt(9, 5, 0, "right password: refused");
   set_time(10, 0);
   database->Execute("UPDATE FW07_APPUSER SET FW07_FLGREVOKE = 0 WHERE FW07_ID = 10", db::kCmdText);
   database->Execute(
       "INSERT INTO FW33_RVKUSER (FW33_ID_FW07, FW33_DATA, FW33_AZIONE, FW33_RISULTATO, "
       "FW33_WINUSER, FW33_DATAORA) VALUES (10, '20240305', 10, 0, 'ADMIN', KVL_GETDATE())",
       db::kCmdText);
-  table.AddRow({"10:00", "", "", "", "", locked(), "re-enabled by ADMIN (log action 10)"});
-  attempt(10, 5, 1, "wrong password: the count starts again");
+  table.AddRow({"10:00", "", "", "", "", locked(), "re-enabled by ADMIN (action 10)"});
+  attempt(10, 5, 1, "wrong password: counted from 1");
   attempt(10, 6, 0, "logged in");
   table.Print(tour.out, "  ");
   database->Close();
