@@ -1,5 +1,7 @@
 // Automation description of CLSFW_FILTROQUERY and its enum tsEnumTipologie.
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "automation/class_builder.h"
 #include "automation/describe_user_context.h"
@@ -12,7 +14,20 @@ namespace {
 using FiltroQuery = CLSFW_FILTROQUERY;
 
 // FiltroCondizione, CondRevoke, CondRevokeCrystal.
-void DescribeQueryFilterMembers(ClassBuilder<FiltroQuery>& /*b*/) {}
+void DescribeQueryFilterMembers(ClassBuilder<FiltroQuery>& b) {
+  using FiltroCondizioneCall =
+      Variant (FiltroQuery::*)(std::string&, Variant&, std::optional<Variant>&, tsEnumTipologie);
+  b.Method("FiltroCondizione",
+           {ByRef("Caption", types::String()), ByRef("DataField", types::Variant()),
+            ByRef("DataFieldCrystal", types::Variant()).Optional(),
+            In("Tipologia", types::Enum("tsEnumTipologie")).Optional(Variant(int32_t{0}))},
+           types::Variant(), static_cast<FiltroCondizioneCall>(&FiltroQuery::FiltroCondizione),
+           "computes CondRevoke and CondRevokeCrystal for one filter field");
+  b.Get("CondRevoke", types::String(), &FiltroQuery::CondRevoke,
+        "SQL predicate of the last FiltroCondizione call (\"\" = no restriction)");
+  b.Get("CondRevokeCrystal", types::String(), &FiltroQuery::CondRevokeCrystal,
+        "report-formula predicate of the last FiltroCondizione call (\"\" = no restriction)");
+}
 
 }  // namespace
 

@@ -1,0 +1,90 @@
+// Shared set-up of the query-filter tests: a CLSFW_FILTROQUERY working as
+// one demo user on a private in-memory demo database, with its message
+// boxes and statements recorded.
+#ifndef ZARVIK_TESTS_FILTROQUERY_FILTROQUERY_TEST_SUPPORT_H_
+#define ZARVIK_TESTS_FILTROQUERY_FILTROQUERY_TEST_SUPPORT_H_
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "db/connection.h"
+#include "db/tracing.h"
+#include "demo/demo_db.h"
+#include "demo/tour.h"
+#include "filtroquery/clsfw_filtroquery.h"
+#include "frame/frame_test_support.h"
+#include "platform/variant.h"
+
+namespace zarvik::testing {
+
+class FilterOnDemo {
+ public:
+  // The filter works as `user` of `group` in company 1; nothing else is set.
+  explicit FilterOnDemo(const std::string& user = "ROSSI", const std::string& group = "VEN")
+      : db(demo::OpenDemoDatabase(":memory:")),
+        log(std::make_shared<db::StatementLog>()),
+        filter(std::make_unique<CLSFW_FILTROQUERY>(rec.env)) {
+    db->SetStatementLog(log);
+    filter->SetConnectionADO(db);
+    filter->SetCodiceUtente(user);
+    filter->SetCodiceGruppo(group);
+    filter->SetDittaCorrente(Variant(int32_t{demo::kMainCompany}));
+  }
+
+  // The host acts as agent `id` of `company`.
+  void ActAsAgent(const Variant& id, const Variant& company) {
+    filter->SetCodiceAgente(id);
+    filter->SetDittaAgente(company);
+  }
+
+  // Runs a statement of the test's own set-up (not recorded).
+  void Setup(const std::string& sql) {
+    db->SetStatementLog(nullptr);
+    db->Execute(sql, db::kCmdText);
+    db->SetStatementLog(log);
+  }
+
+  // FiltroCondizione for one field; the statements it sends replace the
+  // log's content.
+  void Filter(const Variant& data_field, const std::optional<Variant>& report_field = std::nullopt,
+              int32_t kind = 0) {
+    log->statements.clear();
+    filter->FiltroCondizione(data_field, report_field, kind);
+  }
+
+  std::string Sql() const { return filter->CondRevoke(); }
+  std::string Report() const { return filter->CondRevokeCrystal(); }
+  const std::vector<std::string>& Sent() const { return log->statements; }
+  const std::vector<Message>& Boxes() const { return rec.sink->messages; }
+
+  // The first column of every row of a statement (not recorded).
+  std::vector<std::string> Column(const std::string& sql) {
+    db->SetStatementLog(nullptr);
+    std::vector<std::string> values;
+    for (const auto& row : demo::QueryRows(*db, sql)) values.push_back(row.at(0).ConcatText());
+    db->SetStatementLog(log);
+    return values;
+  }
+
+  RecordingEnv rec;
+  std::shared_ptr<db::Connection> db;
+  std::shared_ptr<db::StatementLog> log;
+  std::unique_ptr<CLSFW_FILTROQUERY> filter;
+};
+
+// The tags of the recorded boxes (the text after "CLSFW_FILTROQUERY - ").
+inline std::vector<std::string> BoxTags(const std::vector<Message>& boxes) {
+  std::vector<std::string> tags;
+  const std::string marker = "in ZARVIK: CLSFW_FILTROQUERY - ";
+  for (const Message& box : boxes) {
+    const size_t at = box.text.find(marker);
+    tags.push_back(at == std::string::npos ? box.text : box.text.substr(at + marker.size()));
+  }
+  return tags;
+}
+
+}  // namespace zarvik::testing
+
+#endif  // ZARVIK_TESTS_FILTROQUERY_FILTROQUERY_TEST_SUPPORT_H_
