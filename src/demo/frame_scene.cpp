@@ -47,5 +47,46 @@ void ShowUserContextScene(TourContext& tour) {
            << "  the statements. The privileged code ZentAd and a disabled context get the "
               "neutral answer\n"
            << "  without any query; the query filter finds only active users.\n\n";
+  TextTable table({"object", "user", "group", "guard", "id", "FLGGRP", "sent", "case"});
+  for (size_t c : {4u, 5u, 6u}) table.AlignRight(c);
+  std::string lookup;
+  for (const Row& row : kRows) {
+    log->statements.clear();
+    std::string guard;
+    int32_t id = 0;
+    int16_t flag = 0;
+    if (row.query_filter) {
+      CLSFW_FILTROQUERY filter(env);
+      filter.SetConnectionADO(connection);
+      filter.SetCodiceUtente(row.code);
+      filter.SetCodiceGruppo(row.group);
+      for (int i = 0; i < kGuardRuns; ++i) filter.Frame().ResolveUser();
+      guard = "user lookup";
+      id = filter.Frame().UserId();
+      flag = filter.Frame().FlgGrpRevoke();
+    } else {
+      CLSFW_PARSER parser(env);
+      parser.SetConnectionADO(connection);
+      parser.SetCodiceUtente(row.code);
+      parser.SetCodiceGruppo(row.group);
+      parser.SetRevokeDisabilitata(row.disabled);
+      bool neutral = false;
+      for (int i = 0; i < kGuardRuns; ++i) neutral = parser.Frame().GuardFull();
+      guard = neutral ? "neutral" : "goes on";
+      id = parser.Frame().UserId();
+      flag = parser.Frame().FlgGrpRevoke();
+      if (lookup.empty() && !log->statements.empty()) lookup = log->statements.front();
+    }
+    table.AddRow({row.query_filter ? "CLSFW_FILTROQUERY" : "CLSFW_PARSER", row.code, row.group,
+                  guard, std::to_string(id), std::to_string(flag),
+                  std::to_string(log->statements.size()), row.note});
+  }
+  tour.db.SetStatementLog(nullptr);
+  table.Print(tour.out, "  ");
+  // The statement as sent, with a line break before its WHERE for width.
+  const size_t where = lookup.find("  WHERE");
+  tour.out << "\n  The lookup statement (line broken before WHERE):\n    "
+           << lookup.substr(0, where) << "\n    " << lookup.substr(where) << "\n";
+}
 
 }  // namespace zarvik::demo
