@@ -6,6 +6,7 @@
 #include <string>
 
 #include "automation/cli.h"
+#include "automation/condition_scene.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
 #include "demo/text_table.h"
@@ -105,6 +106,7 @@ void ShowLockOutScene(demo::TourContext& tour) {
 // Scenes of the component's classes, shown after the tour of the data.
 const demo::TourScene kClassScenes[] = {
     {"Login lock-out", ShowLockOutScene},
+    {"Condition predicates", ShowConditionScene},
 };
 
 }  // namespace
