@@ -7,6 +7,7 @@
 
 #include "automation/cli.h"
 #include "automation/condition_scene.h"
+#include "automation/query_filter_scene.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
 #include "demo/text_table.h"
@@ -107,6 +108,7 @@ void ShowLockOutScene(demo::TourContext& tour) {
 const demo::TourScene kClassScenes[] = {
     {"Login lock-out", ShowLockOutScene},
     {"Condition predicates", ShowConditionScene},
+    {"Query filter dialog", ShowQueryFilterScene},
 };
 
 }  // namespace
