@@ -24,9 +24,9 @@ void DescribeQueryFilterMembers(ClassBuilder<FiltroQuery>& b) {
            types::Variant(), static_cast<FiltroCondizioneCall>(&FiltroQuery::FiltroCondizione),
            "computes CondRevoke and CondRevokeCrystal for one filter field");
   b.Get("CondRevoke", types::String(), &FiltroQuery::CondRevoke,
-        "SQL predicate of the last FiltroCondizione call (\"\" = no restriction)");
+        "SQL predicate of the last FiltroCondizione call; empty means no restriction");
   b.Get("CondRevokeCrystal", types::String(), &FiltroQuery::CondRevokeCrystal,
-        "report-formula predicate of the last FiltroCondizione call (\"\" = no restriction)");
+        "report-formula predicate of the last FiltroCondizione call; empty means no restriction");
 }
 
 }  // namespace
