@@ -44,7 +44,7 @@ const std::vector<DemoUser>& DemoUsers() {
        "ordinary user with revocations in company 2 only",
        "company 2: customer 2, warehouse C3, project Q1, node Q1/N1"},
       {user_id::kVerdi, "VERDI", "AMM", "pverdi", true, true, false, 0,
-       "group-based user in the groups AMM and MAG (the most permissive group wins)",
+       "group-based user in the groups AMM and MAG; the most permissive group wins",
        "company 2 (group AMM); warehouse B2 (both groups); project P5 (own row); "
        "function 101 (both groups)"},
       {user_id::kNeri, "NERI", "MAG", "cneri", false, false, false, 0,

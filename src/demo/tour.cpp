@@ -303,11 +303,22 @@ void ShowRevocations(TourContext& tour) {
     const int32_t id = Int(r[0]);
     if (!first) tour.out << "\n";
     first = false;
-    std::string heading = Text(r[1]) + " (id " + Text(r[0]) + ", group " + Text(r[2]) + ")";
+    // "  CODE (id N, group G) - role", the role wrapped under itself.
+    const std::string heading =
+        "  " + Text(r[1]) + " (id " + Text(r[0]) + ", group " + Text(r[2]) + ")";
+    std::string role;
     for (const DemoUser& u : DemoUsers()) {
-      if (u.id == id) heading += ": " + std::string(u.role);
+      if (u.id == id) role = u.role;
     }
-    tour.out << "  " << heading << "\n";
+    if (role.empty()) {
+      tour.out << heading << "\n";
+    } else {
+      const std::string lead = heading + " - ";
+      const auto role_lines = WrapText(role, kLineWidth - lead.size());
+      for (size_t i = 0; i < role_lines.size(); ++i) {
+        tour.out << (i == 0 ? lead : std::string(lead.size(), ' ')) << role_lines[i] << "\n";
+      }
+    }
     const std::vector<SummaryLine> lines = RevocationSummary(tour.db, id);
     if (lines.empty()) {
       tour.out << "    nothing revoked\n";
