@@ -19,6 +19,7 @@
 #include "db/connection.h"
 #include "db/tracing.h"
 #include "frame/revocation_frame.h"
+#include "parser/rewriter/scan_report.h"
 #include "platform/env.h"
 #include "platform/object.h"
 #include "platform/variant.h"
@@ -75,6 +76,17 @@ class CLSFW_PARSER {
   const RevocationFrame& Frame() const { return frame_; }
 
   // --- Statement rewriter (src/parser/rewriter/) ----------------------------
+  // Rewrites a whole SELECT statement so that it returns only the rows the
+  // user may see: the condition of every recognised table of the FROM list
+  // and of the INNER/RIGHT joins is appended after the host's own WHERE,
+  // which is kept in parentheses. n_str_sql is the working buffer: it is cut
+  // during the call and does not keep the caller's text; use the result.
+  // Never reports: a statement the scanner cannot follow ends the call
+  // silently with the result it held.
+  std::string ElaboraStrSQL(std::string& n_str_sql);
+  // Not part of the automation interface: ElaboraStrSQL that also records
+  // what the scanner found (zarvik rewrite --explain).
+  std::string ElaboraStrSQLExplained(std::string& n_str_sql, rewriter::ScanReport& report);
 
   // --- Condition builders (src/parser/conditions/) --------------------------
   // Each returns one predicate the host pastes into its own WHERE clause:
@@ -163,6 +175,56 @@ class CLSFW_PARSER {
   bool from_rewriter_ = false;
 
   // --- Private operations of the statement rewriter -------------------------
+  // The rewriter's tests reach the dispatch, the builders and the shared
+  // state through this class (tests/parser/rewriter/rewriter_probe.h).
+  friend class RewriterProbe;
+  // One rewrite, segment by segment; `result` holds what the caller gets if
+  // a run-time error ends the scan.
+  void RewriteSegments(std::string& statement, std::string& result, rewriter::ScanReport& report);
+  // The condition for one recognised table: " WHERE " (where_pos 0) or
+  // " AND " + the table's text, "" when the table gives none. Reports with
+  // the tag "FiltriStrSQL" and then answers "".
+  void FiltriStrSQL(const std::string& table_prefix, int16_t& where_pos, bool is_from_list,
+                    std::string& condition);
+  // The table's text behind the connector (CG44 excluded), "" for none.
+  std::string TableText(const std::string& table_prefix);
+  // CG44: SQLConditionCliFor under the rewriter mark, qualified as the
+  // scanner found the table.
+  std::string CliForTableText(bool is_from_list);
+
+  // The builders of the table texts (the user id is the resolved one).
+  // Excluded companies: " CG18_DITTA NOT IN (1, 2) ", or "". Reports with
+  // the tag "RvkDitte" and then answers "".
+  std::string RvkDitte();
+  // Branch offices revoked in DittaCorrente: "CG31_CODICE NOT IN (3 , 12 )"
+  // (DO11_CODSEDE_CG31 for "DO11", T_CODSEDE_CG31 for another name T), or "".
+  std::string Sedi(const std::string& tabella, bool inserire_and);
+  // Accounting reasons: the revoked register types and reasons of CG33,
+  // qualified with current_alias_, or "". Reports with "CausaliContabili".
+  std::string CausaliContabili();
+  // " NOT EXISTS(SELECT * " + the VFW31_RVKPARAMETRI test of one kind, with
+  // the scope column and the code column of the outer table.
+  std::string RvkParametri(int16_t kind, const std::string& scope_column,
+                           const std::string& code_column);
+  // Warehouses (kind 6) for a code column such as "MG58_CODDEP"; the company
+  // column is its first four letters + "_DITTA_CG18".
+  std::string RvkDepositi(const std::string& code_column);
+  // Projects (PD68, kind 8), project nodes (PD0C/VPD0C, VFW3N_RVKNODI) and
+  // goods-blocking models (MG0F, kind 30). negate True (the dispatch) gives
+  // " NOT " + " EXISTS(SELECT * ...", False the positive EXISTS form that
+  // the block checks use.
+  std::string RvkProgetti(bool negate);
+  std::string RvkNodi(bool negate);
+  std::string RvkBlmParam(bool negate);
+  // Export data sources for a code column ("FW34_CODICEDS"), office
+  // configurations (FW36) and free reports (FW57): NOT EXISTS forms.
+  std::string RvkVisSource(const std::string& code_column);
+  std::string RvkVisMatrici();
+  std::string RvkStpLibere();
+  // Customer/supplier areas and categories (MG07..MG12, one NOT EXISTS per
+  // level of the hierarchy) and groupings 1 to 3 (MG31..MG33); "" for any
+  // other prefix.
+  std::string RvkAreeCategorie(const std::string& table_prefix);
 
   // --- Private operations of the condition builders -------------------------
   // Tests of the condition builders set the scanner state (CurrentAlias,
