@@ -16,6 +16,7 @@ const SubCommand kSubCommands[] = {
     {"demo", "create the embedded demo database and tour it", RunDemo},
     {"describe", "print the automation description of the component's classes", RunDescribe},
     {"host", "serve the component to a scripting host: JSON requests, one per line", RunHost},
+    {"rewrite", "print a SELECT statement rewritten for a user (ElaboraStrSQL)", RunRewrite},
 };
 
 int Help(std::ostream& out) {

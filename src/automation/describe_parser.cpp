@@ -18,7 +18,12 @@ using Parser = CLSFW_PARSER;
 void DescribeParserRecords(TypeLibrary& /*library*/) {}
 
 // ElaboraStrSQL (src/parser/rewriter/).
-void DescribeRewriterMembers(ClassBuilder<Parser>& /*b*/) {}
+void DescribeRewriterMembers(ClassBuilder<Parser>& b) {
+  b.Method("ElaboraStrSQL", {ByRef("nStrSQL", types::String())}, types::String(),
+           &Parser::ElaboraStrSQL,
+           "the statement rewritten to return only the rows the user may see; nStrSQL is "
+           "consumed as the working buffer");
+}
 
 // The SQLCondition* family and CliForRevocati (src/parser/conditions/).
 void DescribeConditionMembers(ClassBuilder<Parser>& b) {
