@@ -19,6 +19,7 @@
 #include "db/connection.h"
 #include "db/tracing.h"
 #include "frame/revocation_frame.h"
+#include "parser/checks/rights_records.h"
 #include "parser/rewriter/scan_report.h"
 #include "platform/env.h"
 #include "platform/object.h"
@@ -157,7 +158,116 @@ class CLSFW_PARSER {
                                            const std::string& nome_campo_conto_pdc,
                                            bool escludi_non_visualizzabili = false);
 
+  // -- Article state, price list, movement type and transfer conditions --
+  // Article states (kind 14, all companies): "" when the user has no kind-14
+  // row, else MG66_INDSTATO_MG6W IN (the states without a revocation row).
+  std::string SQLConditionStatiArticolo(bool inserire_and);
+  // Price-list types (kind 32): " AND " (or a single blank) + column +
+  // " NOT IN (2, 5)"; "" for a blank column or when nothing is revoked.
+  std::string SQLConditionTipiListiniP(const std::string& nome_campo_tipo_list, bool inserire_and);
+  // The enabled article states as a (0 To 1, 0 To n - 1) array: row 0 the
+  // state, row 1 its description. Empty (not an empty array) when no state
+  // is enabled or the row count is unknown (server-side cursor).
+  Variant StatiArticoloMagaArray();
+  // dbo.FNFW_TRASFREVOCATI for the current company, the user id as it stands
+  // and the two warehouses; 0 when the function gives no row. Opens nothing
+  // and resolves nothing.
+  int16_t TrasferimentoDepositi(std::string& deposito_origine, std::string& deposito_destinazione);
+  // Movement types that can be revoked, with ABILITATO (1 = allowed); the
+  // statement keeps the host's historical text (no '=' after FW31_ID_FW07),
+  // so the database rejects it: the failure is reported with the tag
+  // "InitRevokeTipiMov" and the answer is nullptr (Nothing).
+  std::shared_ptr<db::Recordset> InitRevokeTipiMovimenti();
+  // Movement types (kind 1) and CERVED operations (kind 31, tested on the
+  // insert flag for tipo_operazione 0, on the update flag otherwise): NOT
+  // EXISTS sub-queries on the caller's code column. Arguments by reference.
+  std::string SQLConditionTipiMovimenti(std::string& nome_campo_mov, bool& inserire_and);
+  std::string SQLConditionCerved(std::string& nome_campo_mov, bool& inserire_and,
+                                 int16_t& tipo_operazione);
+
   // --- Block checks and rights records (src/parser/checks/) -----------------
+  // Each check answers for one entity whether it is blocked (True) for the
+  // user; AutorizzaAttivitaSuDocumentoProduzione answers whether the
+  // activity is authorised. A blank code, and (unless noted) the privileged
+  // user, answer False without a query. These checks neither consult
+  // RevokeDisabilitata (only ContoPDCBloccato does) nor harmonise the user
+  // codes. Failures are reported with the method's name as tag and the
+  // answer is then False.
+  //
+  // The company given (not DittaCorrente) is excluded for the user; no
+  // privileged short cut: ZentAd gets the answer of VFW05_DITTAESCLUSI.
+  bool DittaBloccata(const Variant& v_cod_ditta);
+  // Obsolete: shows "Metodo 'CliForBloccato' obsoleto, utilizzare
+  // 'CliForBloccato_New'" (title "Sviluppo", exclamation) for a non-blank
+  // code and answers False; never queries.
+  bool CliForBloccato(const Variant& v_codice_cliente);
+  // The customer/supplier is in VFW32_LISTACFREVOCATI. Privileged field
+  // CodiceUtenteCLIFOR; a blank CodiceUtente is set to CodiceUtenteCLIFOR
+  // (a lasting change) before the user is resolved.
+  bool CliForBloccato_New(const std::string& v_codice_cliente, int16_t tipo_cf);
+  // The document does not pass SQLConditionDO11 (also when it does not
+  // exist). Privileged field CodiceUtenteCLIFOR.
+  bool DocumentoTestataBloccato(const std::string& num_reg);
+  // SPFW_GetInfoRevokeContoPDC: fills can_abilitato and can_visualizza (1 and
+  // 1 for ZentAd or a disabled context; unchanged for a blank account);
+  // blocked when can_abilitato is 0. Resolves the user only while the id is 0.
+  bool ContoPDCBloccato(int16_t gruppo_pdc, const std::string& conto_pdc, int16_t& can_abilitato,
+                        int16_t& can_visualizza);
+  // A revocation row exists for the project, the node, the goods-blocking
+  // model of the current company.
+  bool ProgettoBloccato(const Variant& v_codice_progetto);
+  bool NodoBloccato(const Variant& v_codice_progetto, const Variant& v_codice_nodo);
+  bool ModelloBloccoMerceBloccato(const Variant& v_codice_modello);
+  // Deliberately whole-table: the code is only tested for blank; the answer
+  // is True when at least one row of the table is NOT revoked for the user,
+  // whichever code was given.
+  bool StampaGestionaleBloccata(const Variant& v_codice_stampa);
+  bool DSExportDatiGestBloccata(const Variant& v_codice_ds);
+  bool ConfigOfficeBloccata(const Variant& v_codice_config);
+  // Revocation rows of kinds 10 (order-line state) and 15 (simulation code in
+  // the current company); codice_sim is not changed.
+  bool StatoRigaOrdineBloccato(int16_t v_codice_stato_riga_ordine);
+  bool CodiceSimulazioneBloccato(std::string& codice_sim);
+  // Warehouse (kind 6) of the current company, decided on RecordCount: a
+  // server-side cursor (RecordCount -1) answers False. Privileged field
+  // CodiceUtenteCLIFOR.
+  bool DepositoBloccato(const std::string& codice_dep);
+  // The application function is revoked: per user, or (FW07_FLGGRP = 1 or a
+  // user not found) only when every group of the user revokes it.
+  bool FunzioneApplicativaRevocata(int32_t id_funzione);
+  // Revision states (kinds 34, 35): states other than 1, 2 and 3 are blocked
+  // for everyone, the privileged user included, without a query.
+  bool StatoRevisioneDistintaBloccato(int16_t v_cod_stato_rev_disba);
+  bool StatoRevisioneCicloBloccato(int16_t v_cod_stato_rev_ciclo);
+  // The document type may not choose a revised (kind 36) or manual (kind 37)
+  // bill of materials in the current company. Trailing blanks are cut and
+  // quotes doubled.
+  bool SceltaDistintaRevisionataDocumentoBloccata(const std::string& p_codice_documento);
+  bool SceltaDistintaManualeDocumentoBloccata(const std::string& p_codice_documento);
+  // True (authorised) when no kind-38 row revokes the operation on the
+  // production document; False for a negative type or subtype and for a
+  // pair or operation without a code; True for the privileged user.
+  bool AutorizzaAttivitaSuDocumentoProduzione(int16_t p_tipo_doc, int16_t p_sottotipo_doc,
+                                              int16_t p_cod_oper_ext);
+
+  // Rights records. None consults RevokeDisabilitata or tests its arguments
+  // for blank; on a failure the record is returned as it stood.
+  // Movement classes 0..3 (kind 1) and journal transfers 0..1 (kind 11)
+  // revoked for the user (True = revoked).
+  tsRvkTipiMov InitRevokeTipiMov();
+  tsRvkConsMov InitRevokeTipoTrasPNota();
+  // FW3H_RVKARTICOLI of the family in the current company (only 1 allows).
+  tsRvkFamiglia InitRevokeFamiglia(const std::string& cod_famiglia);
+  // Document type (kind 7) with its personalisation flag as scope; the
+  // privileged user gets rvkExists True. Arguments are not changed.
+  tsRvkDocumenti PermessiDocTipologie(std::string& codice_doc, int16_t& flag_pers);
+  // Bill-of-materials (kind 19) and work-cycle (kind 33) types; for types 30
+  // to 39 a '99' row stands for all of them and wins over the type's own.
+  tsRvkConfig PermessiTipologieDistintaBase(int16_t tipo_distinta);
+  tsRvkConfig PermessiTipologieCicliLavorazione(int16_t tipo_ciclo);
+  // The article states with ENABLED (1 = enabled) in MG6W_INDSTATO order;
+  // the caller owns the recordset. nullptr (Nothing) on failure.
+  std::shared_ptr<db::Recordset> StatiArticoloMaga();
 
  private:
   RevocationFrame frame_;
