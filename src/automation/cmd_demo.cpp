@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 
+#include "automation/check_scene.h"
 #include "automation/cli.h"
 #include "automation/condition_scene.h"
 #include "automation/query_filter_scene.h"
@@ -109,6 +110,7 @@ const demo::TourScene kClassScenes[] = {
     {"Login lock-out", ShowLockOutScene},
     {"Condition predicates", ShowConditionScene},
     {"Query filter dialog", ShowQueryFilterScene},
+    {"Block checks and rights records", ShowCheckScene},
 };
 
 }  // namespace

@@ -1,21 +1,86 @@
 // Automation description of CLSFW_PARSER. Each subsystem adds its public
 // members in its own function below, bound to the typed C++ member.
+#include <cstdint>
+#include <initializer_list>
 #include <memory>
+#include <utility>
 
 #include "automation/class_builder.h"
 #include "automation/describe_user_context.h"
 #include "automation/record_object.h"
 #include "automation/type_library.h"
+#include "parser/checks/rights_records.h"
 #include "parser/clsfw_parser.h"
 
 namespace zarvik::automation {
+
+// The rights records travel as record objects with their named fields.
+namespace {
+Variant Flag(int16_t value) { return Variant::Boolean(value != 0); }
+}  // namespace
+
+template <>
+struct VariantConverter<tsRvkTipiMov> {
+  static Variant To(const tsRvkTipiMov& r) {
+    return MakeRecord("tsRvkTipiMov", {{"Cons", Flag(r.Cons)},
+                                       {"DaCons", Flag(r.DaCons)},
+                                       {"Prev", Flag(r.Prev)},
+                                       {"PrevSim", Flag(r.PrevSim)}});
+  }
+};
+template <>
+struct VariantConverter<tsRvkFamiglia> {
+  static Variant To(const tsRvkFamiglia& r) {
+    return MakeRecord("tsRvkFamiglia", {{"rvkExists", Flag(r.rvkExists)},
+                                        {"CanDelete", Flag(r.CanDelete)},
+                                        {"CanUpdate", Flag(r.CanUpdate)},
+                                        {"CanInsert", Flag(r.CanInsert)}});
+  }
+};
+template <>
+struct VariantConverter<tsRvkConsMov> {
+  static Variant To(const tsRvkConsMov& r) {
+    return MakeRecord("tsRvkConsMov",
+                      {{"DaCons_Cons", Flag(r.DaCons_Cons)}, {"Prev_Cons", Flag(r.Prev_Cons)}});
+  }
+};
+template <>
+struct VariantConverter<tsRvkDocumenti> {
+  static Variant To(const tsRvkDocumenti& r) {
+    return MakeRecord("tsRvkDocumenti", {{"rvkExists", Flag(r.rvkExists)},
+                                         {"CanDelete", Flag(r.CanDelete)},
+                                         {"CanUpdate", Flag(r.CanUpdate)},
+                                         {"CanInsert", Flag(r.CanInsert)}});
+  }
+};
+template <>
+struct VariantConverter<tsRvkConfig> {
+  static Variant To(const tsRvkConfig& r) {
+    return MakeRecord("tsRvkConfig", {{"Abilitato", Flag(r.Abilitato)},
+                                      {"CanDelete", Flag(r.CanDelete)},
+                                      {"CanUpdate", Flag(r.CanUpdate)},
+                                      {"CanInsert", Flag(r.CanInsert)}});
+  }
+};
+
 namespace {
 
 using Parser = CLSFW_PARSER;
 
 // Records of rights (tsRvk*) returned by the rights methods: their
 // RecordDescription entries and VariantConverter specialisations go here.
-void DescribeParserRecords(TypeLibrary& /*library*/) {}
+void DescribeParserRecords(TypeLibrary& library) {
+  auto record = [&library](const char* name, std::initializer_list<const char*> fields) {
+    RecordDescription description{name, {}};
+    for (const char* field : fields) description.fields.push_back({field, types::Boolean()});
+    library.records.push_back(std::move(description));
+  };
+  record("tsRvkTipiMov", {"Cons", "DaCons", "Prev", "PrevSim"});
+  record("tsRvkFamiglia", {"rvkExists", "CanDelete", "CanUpdate", "CanInsert"});
+  record("tsRvkConsMov", {"DaCons_Cons", "Prev_Cons"});
+  record("tsRvkDocumenti", {"rvkExists", "CanDelete", "CanUpdate", "CanInsert"});
+  record("tsRvkConfig", {"Abilitato", "CanDelete", "CanUpdate", "CanInsert"});
+}
 
 // ElaboraStrSQL (src/parser/rewriter/).
 void DescribeRewriterMembers(ClassBuilder<Parser>& b) {
@@ -117,7 +182,113 @@ void DescribeConditionMembers(ClassBuilder<Parser>& b) {
 
 // The block checks, the rights records and StatiArticoloMaga
 // (src/parser/checks/).
-void DescribeCheckMembers(ClassBuilder<Parser>& /*b*/) {}
+void DescribeCheckMembers(ClassBuilder<Parser>& b) {
+  b.Method("DittaBloccata", {In("vCodDitta", types::Variant())}, types::Boolean(),
+           &Parser::DittaBloccata, "the company is excluded for the user")
+      .Method("CliForBloccato", {In("vCodiceCliente", types::Variant())}, types::Boolean(),
+              &Parser::CliForBloccato, "obsolete: use CliForBloccato_New (always False)")
+      .Method("CliForBloccato_New",
+              {In("vCodiceCliente", types::String()), In("TipoCF", types::Integer())},
+              types::Boolean(), &Parser::CliForBloccato_New,
+              "the customer/supplier is revoked for the user")
+      .Method("DocumentoTestataBloccato", {In("NumReg", types::String())}, types::Boolean(),
+              &Parser::DocumentoTestataBloccato,
+              "the document does not pass the document-header condition")
+      .Method("ContoPDCBloccato",
+              {In("GruppoPDC", types::Integer()), In("ContoPDC", types::String()),
+               ByRef("canAbilitato", types::Integer()), ByRef("canVisualizza", types::Integer())},
+              types::Boolean(), &Parser::ContoPDCBloccato,
+              "rights on an account from SPFW_GetInfoRevokeContoPDC")
+      .Method("ProgettoBloccato", {In("vCodiceProgetto", types::Variant())}, types::Boolean(),
+              &Parser::ProgettoBloccato, "the project is revoked (kind 8)")
+      .Method("NodoBloccato",
+              {In("vCodiceProgetto", types::Variant()), In("vCodiceNodo", types::Variant())},
+              types::Boolean(), &Parser::NodoBloccato, "the project node is revoked")
+      .Method("ModelloBloccoMerceBloccato", {In("vCodiceModello", types::Variant())},
+              types::Boolean(), &Parser::ModelloBloccoMerceBloccato,
+              "the goods-blocking model is revoked (kind 30)")
+      .Method("StampaGestionaleBloccata", {In("vCodiceStampa", types::Variant())}, types::Boolean(),
+              &Parser::StampaGestionaleBloccata, "some free report is not revoked (whole table)")
+      .Method("DSExportDatiGestBloccata", {In("vCodiceDS", types::Variant())}, types::Boolean(),
+              &Parser::DSExportDatiGestBloccata,
+              "some export data source is not revoked (whole table)")
+      .Method("ConfigOfficeBloccata", {In("vCodiceConfig", types::Variant())}, types::Boolean(),
+              &Parser::ConfigOfficeBloccata,
+              "some office configuration is not revoked (whole table)")
+      .Method("StatoRigaOrdineBloccato", {In("vCodiceStatoRigaOrdine", types::Integer())},
+              types::Boolean(), &Parser::StatoRigaOrdineBloccato,
+              "the order-line state is revoked (kind 10)")
+      .Method("CodiceSimulazioneBloccato", {ByRef("codiceSim", types::String())}, types::Boolean(),
+              &Parser::CodiceSimulazioneBloccato, "the simulation code is revoked (kind 15)")
+      .Method("DepositoBloccato", {In("CodiceDep", types::String())}, types::Boolean(),
+              &Parser::DepositoBloccato, "the warehouse is revoked (kind 6)")
+      .Method("FunzioneApplicativaRevocata", {In("IdFunzione", types::Long())}, types::Boolean(),
+              &Parser::FunzioneApplicativaRevocata, "the application function is revoked")
+      .Method("StatoRevisioneDistintaBloccato", {In("vCodStatoRevDisba", types::Integer())},
+              types::Boolean(), &Parser::StatoRevisioneDistintaBloccato,
+              "the bill-of-materials revision state is blocked (kind 34)")
+      .Method("StatoRevisioneCicloBloccato", {In("vCodStatoRevCiclo", types::Integer())},
+              types::Boolean(), &Parser::StatoRevisioneCicloBloccato,
+              "the work-cycle revision state is blocked (kind 35)")
+      .Method("SceltaDistintaRevisionataDocumentoBloccata",
+              {In("pCodiceDocumento", types::String())}, types::Boolean(),
+              &Parser::SceltaDistintaRevisionataDocumentoBloccata,
+              "the document type may not choose a revised bill of materials (kind 36)")
+      .Method("SceltaDistintaManualeDocumentoBloccata", {In("pCodiceDocumento", types::String())},
+              types::Boolean(), &Parser::SceltaDistintaManualeDocumentoBloccata,
+              "the document type may not choose a manual bill of materials (kind 37)")
+      .Method("AutorizzaAttivitaSuDocumentoProduzione",
+              {In("pTipoDoc", types::Integer()), In("pSottotipoDoc", types::Integer()),
+               In("pCodOperExt", types::Integer())},
+              types::Boolean(), &Parser::AutorizzaAttivitaSuDocumentoProduzione,
+              "the activity on the production document is authorised (kind 38)")
+      .Method("InitRevokeTipiMov", {}, types::Record("tsRvkTipiMov"), &Parser::InitRevokeTipiMov,
+              "movement classes revoked for the user (kind 1)")
+      .Method("InitRevokeFamiglia", {In("CodFamiglia", types::String())},
+              types::Record("tsRvkFamiglia"), &Parser::InitRevokeFamiglia,
+              "rights on an article family")
+      .Method("InitRevokeTipoTrasPNota", {}, types::Record("tsRvkConsMov"),
+              &Parser::InitRevokeTipoTrasPNota, "journal transfers revoked for the user (kind 11)")
+      .Method("PermessiDocTipologie",
+              {ByRef("codiceDoc", types::String()), ByRef("flagPers", types::Integer())},
+              types::Record("tsRvkDocumenti"), &Parser::PermessiDocTipologie,
+              "rights on a document type (kind 7)")
+      .Method("PermessiTipologieDistintaBase", {In("TipoDistinta", types::Integer())},
+              types::Record("tsRvkConfig"), &Parser::PermessiTipologieDistintaBase,
+              "rights on a bill-of-materials type (kind 19)")
+      .Method("PermessiTipologieCicliLavorazione", {In("TipoCiclo", types::Integer())},
+              types::Record("tsRvkConfig"), &Parser::PermessiTipologieCicliLavorazione,
+              "rights on a work-cycle type (kind 33)")
+      .Method("StatiArticoloMaga", {}, types::Recordset(), &Parser::StatiArticoloMaga,
+              "the article states with their ENABLED flag");
+}
+
+// Article states, price lists, movement types, CERVED operations and
+// warehouse transfers (src/parser/conditions/article_conditions.cpp).
+void DescribeArticleConditionMembers(ClassBuilder<Parser>& b) {
+  b.Method("SQLConditionStatiArticolo", {In("InserireAND", types::Boolean())}, types::String(),
+           &Parser::SQLConditionStatiArticolo, "article states (kind 14)")
+      .Method("SQLConditionTipiListiniP",
+              {In("NomeCampoTipoList", types::String()), In("InserireAND", types::Boolean())},
+              types::String(), &Parser::SQLConditionTipiListiniP, "price-list types (kind 32)")
+      .Method("StatiArticoloMagaArray", {}, types::Variant(), &Parser::StatiArticoloMagaArray,
+              "the enabled article states as a two-row array, or Empty")
+      .Method("TrasferimentoDepositi",
+              {ByRef("DepositoOrigine", types::String()),
+               ByRef("DepositoDestinazione", types::String())},
+              types::Integer(), &Parser::TrasferimentoDepositi,
+              "dbo.FNFW_TRASFREVOCATI for the two warehouses")
+      .Method("InitRevokeTipiMovimenti", {}, types::Recordset(), &Parser::InitRevokeTipiMovimenti,
+              "the movement types that can be revoked, with ABILITATO")
+      .Method("SQLConditionTipiMovimenti",
+              {ByRef("NomeCampoMov", types::String()), ByRef("InserireAND", types::Boolean())},
+              types::String(), &Parser::SQLConditionTipiMovimenti, "movement types (kind 1)")
+      .Method("SQLConditionCerved",
+              {ByRef("NomeCampoMov", types::String()), ByRef("InserireAND", types::Boolean()),
+               ByRef("TipoOperazione", types::Integer())},
+              types::String(), &Parser::SQLConditionCerved,
+              "CERVED operations (kind 31): insert (0) or update flag");
+}
 
 }  // namespace
 
@@ -129,6 +300,7 @@ void DescribeParser(TypeLibrary& library) {
   DescribeRewriterMembers(b);
   DescribeConditionMembers(b);
   DescribeCheckMembers(b);
+  DescribeArticleConditionMembers(b);
   DescribeParserRecords(library);
   library.classes.push_back(std::move(cls));
 }
