@@ -9,6 +9,7 @@
 #include "automation/cli.h"
 #include "automation/condition_scene.h"
 #include "automation/query_filter_scene.h"
+#include "automation/rewrite_scene.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
 #include "demo/text_table.h"
@@ -110,6 +111,7 @@ const demo::TourScene kClassScenes[] = {
     {"Login lock-out", ShowLockOutScene},
     {"Condition predicates", ShowConditionScene},
     {"Query filter dialog", ShowQueryFilterScene},
+    {"Statement rewriter", ShowRewriteScene},
     {"Block checks and rights records", ShowCheckScene},
 };
 
