@@ -12,6 +12,7 @@
 #include "automation/rewrite_scene.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
+#include "demo/frame_scene.h"
 #include "demo/text_table.h"
 #include "demo/tour.h"
 #include "platform/env.h"
@@ -108,6 +109,7 @@ void ShowLockOutScene(demo::TourContext& tour) {
 
 // Scenes of the component's classes, shown after the tour of the data.
 const demo::TourScene kClassScenes[] = {
+    {"User context and guard", demo::ShowUserContextScene},
     {"Login lock-out", ShowLockOutScene},
     {"Condition predicates", ShowConditionScene},
     {"Query filter dialog", ShowQueryFilterScene},
