@@ -2,8 +2,6 @@
 // through Connection and Command.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,20 +9,11 @@
 #include "db/backend.h"
 #include "db/command.h"
 #include "db/connection.h"
-#include "db/sqlite_backend.h"
+#include "db/db_test_support.h"
 #include "platform/vb_error.h"
 
 namespace zarvik::db {
 namespace {
-
-VbError CaughtError(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const VbError& e) {
-    return e;
-  }
-  return VbError(0, "no error");
-}
 
 // A transfer is revoked when a row of TRASF names both warehouses; the
 // account procedure reads ACCOUNTS (missing row: everything allowed).
@@ -51,90 +40,63 @@ const char kRoutines[] =
     "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_ROWS', 'PROCEDURE', '@N INT', 'SELECT :N AS A UNION "
     "ALL SELECT :N + 1');\n";
 
-std::shared_ptr<Connection> OpenWithRoutines() {
-  auto connection = std::make_shared<Connection>();
-  connection->SetConnectionString("Provider=SQLite;Data Source=:memory:");
-  connection->SetCursorLocation(kUseClient);
-  connection->Open();
-  connection->Execute(kRoutines);
-  return connection;
-}
+const char kAccounts[] = "SPFW_GetInfoRevokeContoPDC";
+
+std::shared_ptr<Connection> OpenWithRoutines() { return OpenConnection(kMemory, kRoutines); }
 
 Variant TransferRevoked(Connection& connection, const std::string& orig, const std::string& dest) {
   return connection.Execute("SELECT dbo.FNFW_TRASFREVOCATI (1, 5, '" + orig + "', '" + dest + "')")
       ->Fields(0);
 }
 
-TEST(RoutinesTest, FunctionsCreatedByAScriptAreCallableAtOnce) {
+TEST(RoutinesTest, FunctionsCreatedByAScriptOrLaterAreCallable) {
   auto connection = OpenWithRoutines();
   EXPECT_EQ(TransferRevoked(*connection, "A1", "B2").ToLong(), 1);
-  // No row: NULL.
-  EXPECT_TRUE(TransferRevoked(*connection, "B2", "A1").IsNull());
+  EXPECT_TRUE(TransferRevoked(*connection, "B2", "A1").IsNull());  // no row: NULL
   // Names are case-insensitive; arguments bind by declared position.
   auto rs =
       connection->Execute("SELECT fnfw_trasfrevocati(DITTA, UTENTE, ORIG, DEST) AS R FROM TRASF");
   EXPECT_EQ(rs->Fields("R").ToLong(), 1);
-}
-
-TEST(RoutinesTest, FunctionsAreRegisteredWhenAFileDatabaseOpens) {
-  const std::string path = ::testing::TempDir() + "zarvik_routines_test.db";
-  std::remove(path.c_str());
-  const std::string source = "Provider=SQLite;Data Source=" + path;
-  {
-    Connection create;
-    create.SetConnectionString(source);
-    create.Open();
-    create.Execute(kRoutines);
-  }
-  Connection connection;
-  connection.SetConnectionString(source);
-  connection.Open();
-  EXPECT_EQ(TransferRevoked(connection, "A1", "B2").ToLong(), 1);
-  auto rs = connection.Execute(
-      " INSERT INTO TRASF (DITTA, ORIG)  VALUES  (9, [dbo].[KVL_GETDATE]()) ;"
-      "SELECT ORIG FROM TRASF WHERE DITTA = 9");
-  EXPECT_EQ(rs->Fields("ORIG").ToString(), "2024-03-01 10:20:30");
-  connection.Close();
-  std::remove(path.c_str());
-}
-
-TEST(RoutinesTest, ARoutineAddedLaterIsFoundOnFirstUse) {
-  auto connection = OpenWithRoutines();
   connection->Execute(
       "INSERT INTO ZARVIK_ROUTINES VALUES ('FN_TWICE', 'FUNCTION', '@V INT', 'SELECT :V * 2')");
   EXPECT_EQ(connection->Execute("SELECT FN_TWICE(21) AS V")->Fields("V").ToLong(), 42);
 }
 
-TEST(RoutinesTest, FunctionErrorsAreProviderErrors) {
+TEST(RoutinesTest, FunctionsAreRegisteredWhenAFileDatabaseOpens) {
+  const TempDbFile file("routines");
+  const std::string source = "Provider=SQLite;Data Source=" + file.path();
+  OpenConnection(source, kRoutines)->Close();
+  auto connection = OpenConnection(source);
+  EXPECT_EQ(TransferRevoked(*connection, "A1", "B2").ToLong(), 1);
+  auto rs = connection->Execute(
+      " INSERT INTO TRASF (DITTA, ORIG)  VALUES  (9, [dbo].[KVL_GETDATE]()) ;"
+      "SELECT ORIG FROM TRASF WHERE DITTA = 9");
+  EXPECT_EQ(rs->Fields("ORIG").ToString(), "2024-03-01 10:20:30");
+}
+
+TEST(RoutinesTest, RoutineErrorsAreProviderErrors) {
   auto connection = OpenWithRoutines();
   connection->Execute(
       "INSERT INTO ZARVIK_ROUTINES VALUES ('FN_BROKEN', 'FUNCTION', '@V INT', 'SELECT :V FROM "
-      "NOSUCH')");
-  const VbError e = CaughtError([&] { connection->Execute("SELECT FN_BROKEN(1)"); });
+      "NOSUCH'), ('SP_BAD', 'PROCEDURE', '@A GEOGRAPHY IN', 'SELECT 1')");
+  VbError e = CaughtError([&] { connection->Execute("SELECT FN_BROKEN(1)"); });
   EXPECT_EQ(e.Number(), vberr::kProviderError);
   EXPECT_NE(e.Description().find("FN_BROKEN"), std::string::npos) << e.Description();
   EXPECT_NE(e.Description().find("no such table: NOSUCH"), std::string::npos) << e.Description();
-  // Wrong number of arguments, and an unknown function.
-  EXPECT_EQ(CaughtError([&] { connection->Execute("SELECT FN_TWICE(1)"); }).Number(),
+  // Wrong number of arguments, an unknown function, a bad parameter list.
+  EXPECT_EQ(ErrorOf([&] { connection->Execute("SELECT FNFW_TRASFREVOCATI(1)"); }),
             vberr::kProviderError);
-  EXPECT_EQ(CaughtError([&] { connection->Execute("SELECT FNFW_TRASFREVOCATI(1)"); }).Number(),
-            vberr::kProviderError);
-}
-
-TEST(RoutinesTest, BadParameterListIsAProviderError) {
-  auto connection = OpenWithRoutines();
-  connection->Execute(
-      "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_BAD', 'PROCEDURE', '@A GEOGRAPHY IN', 'SELECT 1')");
-  Backend& backend = connection->OpenBackendOrThrow();
-  const VbError e = CaughtError([&] { backend.DescribeProcedure("SP_BAD"); });
+  EXPECT_EQ(ErrorOf([&] { connection->Execute("SELECT FN_NOPE(1)"); }), vberr::kProviderError);
+  e = CaughtError([&] { connection->OpenBackendOrThrow().DescribeProcedure("SP_BAD"); });
   EXPECT_EQ(e.Number(), vberr::kProviderError);
   EXPECT_NE(e.Description().find("@A GEOGRAPHY IN"), std::string::npos) << e.Description();
 }
 
 TEST(RoutinesTest, ProcedureDescriptionFollowsParams) {
   auto connection = OpenWithRoutines();
+  Backend& backend = connection->OpenBackendOrThrow();
   const std::vector<ParameterInfo> params =
-      connection->OpenBackendOrThrow().DescribeProcedure("[dbo].[spfw_getinforevokecontopdc]");
+      backend.DescribeProcedure("[dbo].[spfw_getinforevokecontopdc]");
   ASSERT_EQ(params.size(), 5u);
   const std::vector<std::string> names = {"@IdUtente", "@GruppoPDC", "@ContoPDC", "@canAbilitato",
                                           "@canVisualizza"};
@@ -146,8 +108,7 @@ TEST(RoutinesTest, ProcedureDescriptionFollowsParams) {
     EXPECT_EQ(params[i].direction,
               i < 3 ? ParameterDirection::kInput : ParameterDirection::kOutput);
   }
-  const std::vector<ParameterInfo> other =
-      connection->OpenBackendOrThrow().DescribeProcedure("SP_DOUBLE");
+  const std::vector<ParameterInfo> other = backend.DescribeProcedure("SP_DOUBLE");
   ASSERT_EQ(other.size(), 3u);
   EXPECT_EQ(other[0].type, adtype::kDouble);
   EXPECT_EQ(other[0].direction, ParameterDirection::kInputOutput);
@@ -161,20 +122,15 @@ TEST(RoutinesTest, CommandDescribesBindsAndReadsOutputs) {
   struct Row {
     int16_t gruppo;
     const char* conto;
-    int32_t abil;
-    int32_t vis;
+    int32_t abil, vis;
   };
   for (const Row& row : {Row{12, "0100", 0, 1}, Row{12, "0200", 1, 1}, Row{13, "0100", 1, 1}}) {
-    Command command;
-    command.SetCommandType(static_cast<int>(kCmdStoredProc));
-    command.SetCommandText("SPFW_GetInfoRevokeContoPDC");
-    command.SetActiveConnection(connection);
+    Command command = StoredProc(kAccounts, connection);
     command.Parameters("@GruppoPDC").SetValue(Variant(row.gruppo));
     command.Parameters("@ContoPDC").SetValue(Variant(row.conto));
     command.Parameters("@idutente").SetValue(Variant(int32_t{5}));
     EXPECT_TRUE(command.Parameters("@canAbilitato").Value().IsEmpty());
-    auto rs = command.Execute();
-    EXPECT_EQ(rs->State(), kStateClosed);
+    EXPECT_EQ(command.Execute()->State(), kStateClosed);
     EXPECT_EQ(command.Parameters("@canAbilitato").Value().ToLong(), row.abil) << row.conto;
     EXPECT_EQ(command.Parameters("@canVisualizza").Value().ToLong(), row.vis) << row.conto;
   }
@@ -182,11 +138,7 @@ TEST(RoutinesTest, CommandDescribesBindsAndReadsOutputs) {
 }
 
 TEST(RoutinesTest, InOutAndDateParameters) {
-  auto connection = OpenWithRoutines();
-  Command command;
-  command.SetCommandType(static_cast<int>(kCmdStoredProc));
-  command.SetCommandText("SP_DOUBLE");
-  command.SetActiveConnection(connection);
+  Command command = StoredProc("SP_DOUBLE", OpenWithRoutines());
   command.Parameters("X").SetValue(Variant(1.25));
   command.Parameters("@D").SetValue(Variant::Date(45352.5));  // 2024-03-01 12:00
   command.Execute();
@@ -200,83 +152,54 @@ TEST(RoutinesTest, InOutAndDateParameters) {
 
 TEST(RoutinesTest, ProcedureWithoutOutputsReturnsItsRows) {
   auto connection = OpenWithRoutines();
-  Command command;
-  command.SetCommandType(static_cast<int>(kCmdStoredProc));
-  command.SetCommandText("SP_ROWS");
-  command.SetActiveConnection(connection);
+  Command command = StoredProc("SP_ROWS", connection);
   command.Parameters("@N").SetValue(Variant(int32_t{7}));
   auto rs = command.Execute();
   ASSERT_EQ(rs->State(), kStateOpen);
   EXPECT_EQ(rs->RecordCount(), 2);
   EXPECT_EQ(rs->Fields("A").ToLong(), 7);
   // Called by name through the connection, without parameters.
-  auto by_name = connection->Execute("SP_ROWS", kCmdStoredProc);
-  EXPECT_TRUE(by_name->Fields("A").IsNull());
+  EXPECT_TRUE(connection->Execute("SP_ROWS", kCmdStoredProc)->Fields("A").IsNull());
+  // A text command runs on the connection.
+  Command text;
+  text.SetCommandType(static_cast<int>(kCmdText));
+  text.SetCommandText("SELECT COUNT(*) AS N FROM TRASF");
+  text.SetActiveConnection(connection);
+  EXPECT_EQ(text.Execute()->Fields("N").ToLong(), 1);
 }
 
 TEST(RoutinesTest, ExplicitParametersAreNotDescribed) {
-  auto connection = OpenWithRoutines();
-  Command command;
-  command.SetCommandType(static_cast<int>(kCmdStoredProc));
-  command.SetCommandText("SPFW_GetInfoRevokeContoPDC");
-  command.SetActiveConnection(connection);
-  ParameterInfo id{"@IdUtente", adtype::kInteger, ParameterDirection::kInput, Variant(int32_t{5})};
-  ParameterInfo gruppo{"@GruppoPDC", adtype::kSmallInt, ParameterDirection::kInput,
-                       Variant(int16_t{12})};
-  ParameterInfo conto{"@ContoPDC", adtype::kVarChar, ParameterDirection::kInput, Variant("0100")};
-  ParameterInfo abil{"@canAbilitato", adtype::kInteger, ParameterDirection::kOutput, Variant()};
-  for (const ParameterInfo& p : {id, gruppo, conto, abil}) command.AppendParameter(p);
+  Command command = StoredProc(kAccounts, OpenWithRoutines());
+  using D = ParameterDirection;
+  command.AppendParameter({"@IdUtente", adtype::kInteger, D::kInput, Variant(int32_t{5})});
+  command.AppendParameter({"@GruppoPDC", adtype::kSmallInt, D::kInput, Variant(int16_t{12})});
+  command.AppendParameter({"@ContoPDC", adtype::kVarChar, D::kInput, Variant("0100")});
+  command.AppendParameter({"@canAbilitato", adtype::kInteger, D::kOutput, Variant()});
   command.Execute();
   EXPECT_EQ(command.Parameters("@canAbilitato").Value().ToLong(), 0);
-  EXPECT_EQ(CaughtError([&] { command.Parameters("@canVisualizza"); }).Number(),
-            vberr::kAdoItemNotFound);
+  EXPECT_EQ(ErrorOf([&] { command.Parameters("@canVisualizza"); }), vberr::kAdoItemNotFound);
 }
 
 TEST(RoutinesTest, CommandErrors) {
-  Command unbound;
-  unbound.SetCommandType(static_cast<int>(kCmdStoredProc));
-  unbound.SetCommandText("SPFW_GetInfoRevokeContoPDC");
-  EXPECT_EQ(CaughtError([&] { unbound.Parameters("@IdUtente"); }).Number(),
-            vberr::kAdoConnectionUnusable);
-  EXPECT_EQ(CaughtError([&] { unbound.Execute(); }).Number(), vberr::kAdoConnectionUnusable);
-
-  auto closed = std::make_shared<Connection>();
-  unbound.SetActiveConnection(closed);
-  EXPECT_EQ(CaughtError([&] { unbound.Parameters("@IdUtente"); }).Number(),
-            vberr::kAdoConnectionUnusable);
+  Command unbound = StoredProc(kAccounts, nullptr);
+  EXPECT_EQ(ErrorOf([&] { unbound.Parameters("@IdUtente"); }), vberr::kAdoConnectionUnusable);
+  EXPECT_EQ(ErrorOf([&] { unbound.Execute(); }), vberr::kAdoConnectionUnusable);
+  Command closed = StoredProc(kAccounts, std::make_shared<Connection>());
+  EXPECT_EQ(ErrorOf([&] { closed.Parameters("@IdUtente"); }), vberr::kAdoConnectionUnusable);
 
   auto connection = OpenWithRoutines();
-  Command command;
-  command.SetCommandType(static_cast<int>(kCmdStoredProc));
-  command.SetCommandText("SPFW_GetInfoRevokeContoPDC");
-  command.SetActiveConnection(connection);
-  EXPECT_EQ(CaughtError([&] { command.Parameters("@Nope"); }).Number(), vberr::kAdoItemNotFound);
-
-  for (const char* missing : {"SP_NOPE", "FNFW_TRASFREVOCATI"}) {
-    Command unknown;
-    unknown.SetCommandType(static_cast<int>(kCmdStoredProc));
-    unknown.SetCommandText(missing);
-    unknown.SetActiveConnection(connection);
+  Command command = StoredProc(kAccounts, connection);
+  EXPECT_EQ(ErrorOf([&] { command.Parameters("@Nope"); }), vberr::kAdoItemNotFound);
+  // A FUNCTION row is no procedure.
+  for (const std::string missing : {"SP_NOPE", "FNFW_TRASFREVOCATI"}) {
+    Command unknown = StoredProc(missing, connection);
     const VbError e = CaughtError([&] { unknown.Parameters("@X"); });
     EXPECT_EQ(e.Number(), vberr::kProviderError) << missing;
-    EXPECT_EQ(e.Description(), "Could not find stored procedure '" + std::string(missing) + "'.");
+    EXPECT_EQ(e.Description(), "Could not find stored procedure '" + missing + "'.");
   }
-
   // Without a routines table at all.
-  Connection bare;
-  bare.SetConnectionString("Provider=SQLite;Data Source=:memory:");
-  bare.Open();
-  EXPECT_EQ(CaughtError([&] { bare.Execute("SP_ROWS", kCmdStoredProc); }).Number(),
+  EXPECT_EQ(ErrorOf([] { OpenConnection()->Execute("SP_ROWS", kCmdStoredProc); }),
             vberr::kProviderError);
-}
-
-TEST(RoutinesTest, TextCommandRunsOnTheConnection) {
-  auto connection = OpenWithRoutines();
-  Command command;
-  command.SetCommandType(static_cast<int>(kCmdText));
-  command.SetCommandText("SELECT COUNT(*) AS N FROM TRASF");
-  command.SetActiveConnection(connection);
-  EXPECT_EQ(command.Execute()->Fields("N").ToLong(), 1);
 }
 
 }  // namespace

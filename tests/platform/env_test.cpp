@@ -9,70 +9,55 @@
 
 #include "platform/message_sink.h"
 #include "platform/object.h"
+#include "platform/platform_test_support.h"
 #include "platform/variant.h"
 #include "platform/vb_error.h"
 
 namespace zarvik {
 namespace {
 
-struct YmdCase {
-  int year, month, day;
-  double oa;
-};
+using test::ErrorOf;
 
 TEST(OleDateTest, CalendarTable) {
-  const std::vector<YmdCase> cases = {
-      {1899, 12, 30, 0},    {1899, 12, 31, 1},   {1900, 1, 1, 2},         {1899, 12, 29, -1},
-      {1900, 3, 1, 61},     {2000, 1, 1, 36526}, {2000, 2, 29, 36585},    {2000, 3, 1, 36586},
-      {2024, 1, 15, 45306}, {1970, 1, 1, 25569}, {9999, 12, 31, 2958465}, {100, 1, 1, -657434},
+  struct Case {
+    int year, month, day;
+    double oa;
   };
-  for (const YmdCase& c : cases) {
-    SCOPED_TRACE(std::to_string(c.year) + "-" + std::to_string(c.month) + "-" +
-                 std::to_string(c.day));
+  const std::vector<Case> cases = {
+      {1899, 12, 30, 0},   {1899, 12, 29, -1},      {1900, 3, 1, 61},    {2000, 2, 29, 36585},
+      {2000, 3, 1, 36586}, {9999, 12, 31, 2958465}, {100, 1, 1, -657434}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.oa);
     EXPECT_EQ(OleDateFromYmd(c.year, c.month, c.day), c.oa);
     int y = 0, m = 0, d = 0;
     YmdFromOleDate(c.oa, &y, &m, &d);
-    EXPECT_EQ(y, c.year);
-    EXPECT_EQ(m, c.month);
-    EXPECT_EQ(d, c.day);
+    EXPECT_EQ(std::vector<int>({y, m, d}), std::vector<int>({c.year, c.month, c.day}));
     // The time of day does not move the date, on either side of day 0.
     YmdFromOleDate(c.oa < 0 ? c.oa - 0.99 : c.oa + 0.99, &y, &m, &d);
     EXPECT_EQ(d, c.day);
   }
-}
-
-TEST(OleDateTest, MonthAndDayRollOverLikeDateSerial) {
+  // Months and days out of range roll over as in DateSerial.
   EXPECT_EQ(OleDateFromYmd(2023, 13, 1), OleDateFromYmd(2024, 1, 1));
-  EXPECT_EQ(OleDateFromYmd(2024, 0, 1), OleDateFromYmd(2023, 12, 1));
   EXPECT_EQ(OleDateFromYmd(2024, -11, 1), OleDateFromYmd(2023, 1, 1));
   EXPECT_EQ(OleDateFromYmd(2024, 3, 0), OleDateFromYmd(2024, 2, 29));
-  EXPECT_EQ(OleDateFromYmd(2023, 1, 32), OleDateFromYmd(2023, 2, 1));
 }
 
 TEST(SystemClockTest, NowIsTodayInLocalTime) {
   const std::time_t t = std::time(nullptr);
   std::tm local{};
   localtime_r(&t, &local);
-  const double now = SystemClock().Now();
+  const double now = DefaultEnv().clock->Now();
   int y = 0, m = 0, d = 0;
   YmdFromOleDate(now, &y, &m, &d);
   const double fraction = now - std::floor(now);
   const double expected = (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
   // Tolerate the clock ticking over between the two readings.
   if (std::fabs(fraction - expected) < 5.0 / 86400.0) {
-    EXPECT_EQ(y, local.tm_year + 1900);
-    EXPECT_EQ(m, local.tm_mon + 1);
-    EXPECT_EQ(d, local.tm_mday);
+    EXPECT_EQ(std::vector<int>({y, m, d}),
+              std::vector<int>({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday}));
   } else {
     EXPECT_GT(std::fabs(fraction - expected), 0.99);  // crossed midnight
   }
-}
-
-TEST(DefaultEnvTest, GivesASinkAndAClock) {
-  const Env env = DefaultEnv();
-  ASSERT_NE(env.sink, nullptr);
-  ASSERT_NE(env.clock, nullptr);
-  EXPECT_GT(env.clock->Now(), OleDateFromYmd(2020, 1, 1));
   // Each call gives its own sink: nothing is shared between objects.
   EXPECT_NE(DefaultMessageSink(), DefaultMessageSink());
 }
@@ -85,17 +70,6 @@ TEST(MessageSinkTest, StreamWritesOneBlockPerBox) {
   EXPECT_EQ(out.str(),
             "[Parser Error] Caso non contemplato\n"
             "[ZARVIK] 6 - Overflow\r\nin ZARVIK: CLSFW_PARSER - X\n");
-}
-
-TEST(MessageSinkTest, RecordingKeepsEveryBox) {
-  RecordingMessageSink sink;
-  sink.Show({"a", "t", msgstyle::kExclamation});
-  sink.Show({"b", "", msgstyle::kOkOnly});
-  ASSERT_EQ(sink.messages.size(), 2u);
-  EXPECT_EQ(sink.messages[0].text, "a");
-  EXPECT_EQ(sink.messages[0].title, "t");
-  EXPECT_EQ(sink.messages[0].style, 48);
-  EXPECT_EQ(sink.messages[1].text, "b");
 }
 
 TEST(VbErrorTest, NumbersCarryVbTexts) {
@@ -129,9 +103,7 @@ TEST(VbErrorTest, NumbersCarryVbTexts) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.number);
-    EXPECT_EQ(VbErrorText(c.number), c.text);
     const VbError e(c.number);
-    EXPECT_EQ(e.Number(), c.number);
     EXPECT_EQ(e.Description(), c.text);
     EXPECT_STREQ(e.what(), c.text);
   }
@@ -148,17 +120,9 @@ class Bare : public Object {
 TEST(ObjectTest, UnknownMembersRaise438) {
   Bare obj;
   std::vector<Variant> args{Variant(int32_t{1})};
-  auto number = [](auto f) {
-    try {
-      f();
-    } catch (const VbError& e) {
-      return e.Number();
-    }
-    return 0;
-  };
-  EXPECT_EQ(number([&] { obj.GetProperty("Connection"); }), vberr::kNotSupported);
-  EXPECT_EQ(number([&] { obj.PutProperty("Connection", Variant()); }), vberr::kNotSupported);
-  EXPECT_EQ(number([&] { obj.CallMethod("Open", args); }), vberr::kNotSupported);
+  EXPECT_EQ(ErrorOf([&] { obj.GetProperty("Connection"); }), vberr::kNotSupported);
+  EXPECT_EQ(ErrorOf([&] { obj.PutProperty("Connection", Variant()); }), vberr::kNotSupported);
+  EXPECT_EQ(ErrorOf([&] { obj.CallMethod("Open", args); }), vberr::kNotSupported);
 }
 
 }  // namespace
