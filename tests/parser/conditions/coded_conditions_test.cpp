@@ -94,8 +94,14 @@ std::vector<CodedCase> CodedCases() {
 
 class CodedConditionTest : public ConditionTest {};
 
-TEST_F(CodedConditionTest, ExactTextsForAnOrdinaryUser) {
+TEST_F(CodedConditionTest, ExactTextsPrivilegedCodeAndTheDisabledFlagNotHonoured) {
+  // The privileged customer/supplier code gives nothing without a query.
+  AsUser(testing::kUnknownUser);
+  parser.SetCodiceUtenteCLIFOR("ZentAd");
+  for (const CodedCase& c : CodedCases()) EXPECT_EQ(c.call(parser, true), "") << c.method;
+  EXPECT_TRUE(log->statements.empty());
   AsUnknownUserWithId(12);
+  parser.SetRevokeDisabilitata(true);
   for (const CodedCase& c : CodedCases()) {
     SCOPED_TRACE(c.method);
     EXPECT_EQ(c.call(parser, false), c.expected);
@@ -105,52 +111,21 @@ TEST_F(CodedConditionTest, ExactTextsForAnOrdinaryUser) {
   // statement.
   EXPECT_EQ(log->statements.size(), 1u);
   EXPECT_TRUE(Boxes().empty());
-}
-
-TEST_F(CodedConditionTest, PrivilegedCodeGivesNothingTheDisabledFlagIsNotHonoured) {
-  AsUser("ZentAd", "SYS");
-  for (const CodedCase& c : CodedCases()) {
-    SCOPED_TRACE(c.method);
-    EXPECT_EQ(c.call(parser, true), "");
-  }
-  EXPECT_TRUE(log->statements.empty());
-
-  AsUnknownUserWithId(12);
-  parser.SetRevokeDisabilitata(true);
-  for (const CodedCase& c : CodedCases()) {
-    SCOPED_TRACE(c.method);
-    EXPECT_EQ(c.call(parser, false), c.expected);
-  }
-}
-
-TEST_F(CodedConditionTest, SimulationCodesShortCutOnEitherUserCode) {
-  AsUnknownUserWithId(12);
+  // Only the simulation codes also short-cut on the user code.
   parser.SetCodiceUtente("ZentAd");
   EXPECT_EQ(parser.SQLConditionCodSimPD90("PD90_SIMULAZIONE", true), "");
   EXPECT_NE(parser.SQLConditionProgetto("PD68_CODPROG", true), "");
-  parser.SetCodiceUtente(testing::kUnknownUser);
-  parser.SetCodiceUtenteCLIFOR("ZentAd");
-  EXPECT_EQ(parser.SQLConditionCodSimPD90("PD90_SIMULAZIONE", true), "");
 }
 
-TEST_F(CodedConditionTest, WizardKinds) {
+TEST_F(CodedConditionTest, WizardKindsAndTheImportLayoutColumnAsText) {
   AsUnknownUserWithId(12);
-  const struct {
-    int16_t tipo_wizard;
-    const char* kind;
-  } cases[] = {{3, "16"}, {4, "17"}, {5, "18"}, {7, "0"}, {0, "0"}, {-3, "0"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.tipo_wizard);
-    const std::string text = parser.SQLConditionWizAnag(c.tipo_wizard, "M", "I", false);
-    EXPECT_NE(text.find(std::string("         AND FW31_INDTIPO = ") + c.kind +
-                        "         AND FW31_FLGABILITATO = 0 "),
+  for (const auto& [tipo_wizard, kind] :
+       std::vector<std::pair<int16_t, std::string>>{{4, "17"}, {5, "18"}, {7, "0"}, {0, "0"}}) {
+    EXPECT_NE(parser.SQLConditionWizAnag(tipo_wizard, "M", "I", false)
+                  .find("         AND FW31_INDTIPO = " + kind + "         AND FW31_FLGABILITATO"),
               std::string::npos)
-        << text;
+        << tipo_wizard;
   }
-}
-
-TEST_F(CodedConditionTest, ImportLayoutColumnIsAVariantInItsTextForm) {
-  AsUnknownUserWithId(12);
   EXPECT_NE(parser.SQLConditionTracciatiImport("S", Variant(int32_t{7}), false)
                 .find(" AND FW31_DITTARAGG = S AND FW31_CODTIPO = 7) "),
             std::string::npos);
@@ -167,26 +142,15 @@ TEST_F(CodedConditionTest, ProjectsKeptPerUserAndCompany) {
   AsRossi();
   EXPECT_EQ(
       Rows(projects + "1" + parser.SQLConditionProgetto("PD68_CODPROG", true) + " ORDER BY 1"),
-      (std::vector<std::string>{"P3", "P4", "P5", "P6", "P7", "P8"}));
+      "P3 P4 P5 P6 P7 P8");
   // VERDI's own row for P5 wins over his group's enabled one.
-  CLSFW_PARSER verdi(Env{sink, std::make_shared<SystemClock>()});
-  verdi.SetConnectionADO(db);
-  verdi.SetDittaCorrente(Variant(int32_t{1}));
-  verdi.SetCodiceGruppo("AMM");
-  verdi.SetCodiceUtente("VERDI");
-  verdi.SetCodiceUtenteCLIFOR("VERDI");
-  EXPECT_EQ(Rows(projects + "1" + verdi.SQLConditionProgetto("PD68_CODPROG", true) + " ORDER BY 1"),
-            (std::vector<std::string>{"P1", "P2", "P3", "P4", "P6", "P7", "P8"}));
-  // BIANCHI in company 2.
-  CLSFW_PARSER bianchi(Env{sink, std::make_shared<SystemClock>()});
-  bianchi.SetConnectionADO(db);
-  bianchi.SetDittaCorrente(Variant("2"));
-  bianchi.SetCodiceGruppo("VEN");
-  bianchi.SetCodiceUtenteCLIFOR("BIANCHI");
-  bianchi.SetCodiceUtente("BIANCHI");
-  EXPECT_EQ(
-      Rows(projects + "2" + bianchi.SQLConditionProgetto("PD68_CODPROG", true) + " ORDER BY 1"),
-      (std::vector<std::string>{"Q2", "Q3"}));
+  EXPECT_EQ(Rows(projects + "1" +
+                 Other("VERDI", "AMM")->SQLConditionProgetto("PD68_CODPROG", true) + " ORDER BY 1"),
+            "P1 P2 P3 P4 P6 P7 P8");
+  EXPECT_EQ(Rows(projects + "2" +
+                 Other("BIANCHI", "VEN", Variant("2"))->SQLConditionProgetto("PD68_CODPROG", true) +
+                 " ORDER BY 1"),
+            "Q2 Q3");
 }
 
 TEST_F(CodedConditionTest, NodesKeptForRossi) {
@@ -196,51 +160,7 @@ TEST_F(CodedConditionTest, NodesKeptForRossi) {
       Rows("SELECT PD0C_CODPROG_PD68 || '/' || PD0C_CODNODO FROM PD0C_NODO "
            "WHERE PD0C_DITTA_CG18 = 1" +
            parser.SQLConditionNodo("PD0C_CODNODO", "PD0C_CODPROG_PD68", true) + " ORDER BY 1"),
-      (std::vector<std::string>{"P3/N1", "P3/N3", "P4/N2", "P5/N1"}));
-}
-
-TEST_F(CodedConditionTest, SimulationCodesComparedTrimmed) {
-  AsRossi();
-  // SIM3 is stored blank-padded and still revoked.
-  EXPECT_EQ(Rows("SELECT PD90_SIMULAZIONE FROM PD90_SIMULAZIONI WHERE PD90_DITTA_CG18 = 1" +
-                 parser.SQLConditionCodSimPD90("PD90_SIMULAZIONE", true) + " ORDER BY 1"),
-            (std::vector<std::string>{"SIM1", "SIM2"}));
-}
-
-TEST_F(CodedConditionTest, CodesWithoutHostTableKeptForRossi) {
-  AsRossi();
-  EXPECT_EQ(Rows("SELECT T.C FROM (SELECT 'CTX_CONT' AS C UNION ALL SELECT 'CTX_ALTRO') T "
-                 "WHERE" +
-                 parser.SQLConditionContesto("T.C", false)),
-            (std::vector<std::string>{"CTX_ALTRO"}));
-  EXPECT_EQ(Rows("SELECT T.C FROM (SELECT 'INS01' AS C UNION ALL SELECT 'INS02') T WHERE" +
-                 parser.SQLConditionInsiemi("T.C", false)),
-            (std::vector<std::string>{"INS02"}));
-
-  const std::string layouts =
-      "SELECT T.S || '/' || T.C FROM (SELECT 1 AS S, '%1' AS C "
-      "UNION ALL SELECT 1, '%2' UNION ALL SELECT 2, '%1') T WHERE 1=1";
-  auto with = [&](const std::string& first, const std::string& second) {
-    std::string text = layouts;
-    text.replace(text.find("%1"), 2, first);
-    text.replace(text.find("%2"), 2, second);
-    text.replace(text.find("%1"), 2, first);
-    return text;
-  };
-  EXPECT_EQ(Rows(with("IMP01", "IMP02") +
-                 parser.SQLConditionTracciatiImport("T.S", Variant("T.C"), true) + " ORDER BY 1"),
-            (std::vector<std::string>{"1/IMP02", "2/IMP01"}));
-  EXPECT_EQ(Rows(with("EXP01", "EXP02") + parser.SQLConditionTracciatiExport("T.S", "T.C", true) +
-                 " ORDER BY 1"),
-            (std::vector<std::string>{"1/EXP02", "2/EXP01"}));
-
-  const std::string models =
-      "SELECT T.M || '/' || T.I FROM (SELECT 'WZCLI' AS M, 0 AS I UNION ALL SELECT 'WZFOR', 0 "
-      "UNION ALL SELECT 'WZCLI', 1) T WHERE 1=1";
-  EXPECT_EQ(Rows(models + parser.SQLConditionWizAnag(3, "T.M", "T.I", true) + " ORDER BY 1"),
-            (std::vector<std::string>{"WZCLI/1", "WZFOR/0"}));
-  EXPECT_EQ(Rows(models + parser.SQLConditionWizAnag(4, "T.M", "T.I", true) + " ORDER BY 1"),
-            (std::vector<std::string>{"WZCLI/0", "WZCLI/1", "WZFOR/0"}));
+      "P3/N1 P3/N3 P4/N2 P5/N1");
 }
 
 }  // namespace

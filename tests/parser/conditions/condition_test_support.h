@@ -68,25 +68,40 @@ class ConditionTest : public ::testing::Test {
     parser.SetIdUser(id);
   }
   void AsRossi() { AsUser("ROSSI"); }
+  // Another parser on the same database and message boxes, as `code` of
+  // `group` in `company` (nothing set when `code` is empty).
+  std::unique_ptr<CLSFW_PARSER> Other(const std::string& code, const std::string& group = "VEN",
+                                      const Variant& company = Variant(int32_t{1}),
+                                      bool connected = true) {
+    auto other = std::make_unique<CLSFW_PARSER>(Env{sink, std::make_shared<SystemClock>()});
+    if (connected) other->SetConnectionADO(db);
+    other->SetDittaCorrente(company);
+    other->SetCodiceGruppo(group);
+    other->SetCodiceUtente(code);
+    other->SetCodiceUtenteCLIFOR(code);
+    return other;
+  }
 
-  // The first column of every row of `statement`, as text.
-  std::vector<std::string> Rows(const std::string& statement) {
-    std::vector<std::string> values;
+  // The first column of every row of `statement`, as text, blank-separated.
+  std::string Rows(const std::string& statement) {
+    std::string values;
     for (const auto& row : demo::QueryRows(*db, statement)) {
-      values.push_back(row.at(0).ConcatText());
+      values += (values.empty() ? "" : " ") + row.at(0).ConcatText();
     }
     return values;
   }
 
   // Boxes shown so far.
   const std::vector<Message>& Boxes() const { return sink->messages; }
-  // The reporter's second line for a tag.
-  static std::string TagLine(const std::string& tag) {
-    return "\r\nin ZARVIK: CLSFW_PARSER - " + tag;
-  }
-  static bool EndsWith(const std::string& text, const std::string& tail) {
-    return text.size() >= tail.size() &&
-           text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+  // The tags of the boxes shown so far (the reporter's second line).
+  std::vector<std::string> BoxTags() const {
+    std::vector<std::string> tags;
+    const std::string marker = "\r\nin ZARVIK: CLSFW_PARSER - ";
+    for (const Message& box : sink->messages) {
+      const size_t at = box.text.rfind(marker);
+      tags.push_back(at == std::string::npos ? box.text : box.text.substr(at + marker.size()));
+    }
+    return tags;
   }
 
   std::shared_ptr<RecordingMessageSink> sink = std::make_shared<RecordingMessageSink>();
