@@ -22,8 +22,8 @@
 
 namespace zarvik {
 
-// Reaches the scanner state and the private workers of the condition
-// builders (declared a friend of CLSFW_PARSER).
+// Reaches the scanner state and the agent rule of the condition builders
+// (declared a friend of CLSFW_PARSER).
 class ConditionScannerStateForTest {
  public:
   static void SetCurrentAlias(CLSFW_PARSER& p, const std::string& alias) {
@@ -31,14 +31,6 @@ class ConditionScannerStateForTest {
   }
   static void SetFromRewriter(CLSFW_PARSER& p, bool value) { p.from_rewriter_ = value; }
   static std::string AgentRule(const CLSFW_PARSER& p) { return p.AgentRule(); }
-  static std::string WarehouseList(CLSFW_PARSER& p, const std::string& column, bool and_,
-                                   bool allow_null) {
-    return p.WarehouseListCondition(column, and_, allow_null);
-  }
-  static std::string OfficeList(CLSFW_PARSER& p, const std::string& column, bool and_,
-                                bool allow_null) {
-    return p.OfficeListCondition(column, and_, allow_null);
-  }
 };
 
 namespace testing {

@@ -35,11 +35,6 @@ TEST_F(ListConditionTest, WarehousesAreQuotedOfficesAreNot) {
   EXPECT_EQ(parser.SQLConditionSediMov("DO11_CODSEDE_CG31", true),
             " AND  (DO11_CODSEDE_CG31 NOT IN (3 , 12 ) OR DO11_CODSEDE_CG31 IS NULL )");
   EXPECT_EQ(log->statements.at(3), kOfficeQueryRossi);
-  // The private workers serve the same lists.
-  EXPECT_EQ(ConditionScannerStateForTest::WarehouseList(parser, "DO11_CODDEP", true, true),
-            parser.SQLConditionDepositi("DO11_CODDEP", true, true));
-  EXPECT_EQ(ConditionScannerStateForTest::OfficeList(parser, "DO11_CODSEDE_CG31", true, true),
-            parser.SQLConditionSediMov("DO11_CODSEDE_CG31", true, true));
   // VERDI: B2 is revoked by both of his groups, D4 by one only.
   EXPECT_EQ(Other("VERDI", "AMM")->SQLConditionDepositi("C", false, false), "C NOT IN ('B2' )");
   EXPECT_TRUE(Boxes().empty());
