@@ -18,17 +18,14 @@ TEST(OdbcSupportTest, ColumnKindsFollowTheReportedType) {
     ColumnKind expected;
   };
   const std::vector<Case> cases = {
-      {SQL_TINYINT, "tinyint", false, ColumnKind::kInteger},
       {SQL_BIGINT, "BIGINT", false, ColumnKind::kInteger},
       {SQL_BIT, "bit", false, ColumnKind::kBoolean},
       {SQL_BIT, "BIT", true, ColumnKind::kInteger},
       {SQL_NUMERIC, "numeric", false, ColumnKind::kFloat},
-      {SQL_REAL, "real", false, ColumnKind::kFloat},
       // The SQLite driver reports declared DECIMAL columns as VARCHAR.
       {SQL_VARCHAR, "numeric(10,2)", true, ColumnKind::kFloat},
       {SQL_VARCHAR, "money", false, ColumnKind::kFloat},
       {SQL_VARCHAR, "VARCHAR(50)", true, ColumnKind::kText},
-      {SQL_LONGVARCHAR, "text", false, ColumnKind::kText},
       {SQL_WLONGVARCHAR, "ntext", false, ColumnKind::kWideText},
       {SQL_VARBINARY, "varbinary", false, ColumnKind::kBinary},
       {SQL_TYPE_DATE, "date", false, ColumnKind::kDateTime},

@@ -1,4 +1,5 @@
-// T-SQL to SQLite translation of the texts the component sends.
+// T-SQL to SQLite translation of the texts the component sends. The classes
+// that send them run them on the demo database in their own tests.
 #include "db/tsql_dialect.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,8 @@
 
 namespace zarvik::db {
 namespace {
+
+const std::string kCrLf = "\r\n";
 
 struct Case {
   const char* what;
@@ -25,6 +28,21 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Case{"dbo. qualifier of a function", "SELECT dbo.FNFW_TRASFREVOCATI (1, 5, 'A1', 'B2')",
              "SELECT FNFW_TRASFREVOCATI (1, 5, 'A1', 'B2')"},
+        Case{"convert to text with style 120",
+             "SELECT  convert(varchar(25), FW33_DATAORA, 120) AS FW33_DATAORA  FROM FW33_RVKUSER "
+             " WHERE FW33_ID_FW07 = 5 AND FW33_AZIONE = 10 order by FW33_DATAORA desc ",
+             "SELECT  strftime('%Y-%m-%d %H:%M:%S', FW33_DATAORA) AS FW33_DATAORA  FROM "
+             "FW33_RVKUSER  WHERE FW33_ID_FW07 = 5 AND FW33_AZIONE = 10 order by FW33_DATAORA "
+             "desc "},
+        Case{"join clause with hints and CONVERT to DECIMAL and CHAR",
+             "     INNER JOIN VFW31_RVKPARAMETRI WITH (NOLOCK)" + kCrLf +
+                 "         ON CONVERT(DECIMAL(2,0), FW31_DITTARAGG) = CG41_GRUPPO" + kCrLf +
+                 "         AND CONVERT(CHAR(10), FW31_CODTIPO) = CG41_CONTO" + kCrLf +
+                 "         AND FW31_INDTIPO = 26",
+             "     INNER JOIN VFW31_RVKPARAMETRI " + kCrLf +
+                 "         ON CAST(FW31_DITTARAGG AS NUMERIC) = CG41_GRUPPO" + kCrLf +
+                 "         AND CAST(FW31_CODTIPO AS TEXT) = CG41_CONTO" + kCrLf +
+                 "         AND FW31_INDTIPO = 26"},
         Case{"a style 120 text shorter than the full stamp is cut",
              "SELECT convert(varchar(10), D, 120) FROM T",
              "SELECT substr(strftime('%Y-%m-%d %H:%M:%S', D), 1, 10) FROM T"},
