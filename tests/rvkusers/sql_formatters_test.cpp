@@ -81,12 +81,10 @@ TEST(FormatSqlValue, ValuesThatAreNotEmpty) {
       {Variant(int32_t{42}), 0, "'42'"},
       {Variant(" "), 0, "' '"},  // blank is not empty
       {Variant("2.5"), 1, "2.5"},
-      {Variant(1e16), 1, "10000000000000000"},
       {Variant("abc"), 1, ""},  // not a number: the error gives ""
       {Variant(1234567.5), 2, "1234567.5"},
       {Variant("x"), 2, ""},
       {Variant::Date(OleDateFromYmd(2024, 3, 5) + 0.75), 3, "'20240305'"},
-      {Variant("2024-03-05"), 3, "'20240305'"},
       {Variant(int32_t{5}), 3, ""},  // the formatter does not take it
       {Variant("abc"), 4, ""},       // no such kind
       {Variant(ObjectRef(std::make_shared<HostObject>())), 0, ""},
