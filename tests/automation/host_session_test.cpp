@@ -66,7 +66,6 @@ TEST_F(HostSessionTest, PutAndGetEveryUserContextField) {
       {"CodiceUtenteCLIFOR", 12, "12"},
       {"DittaAgente", 2, 2},
       {"DittaCorrente", "0001", "0001"},
-      {"IdAgente", Json{{"$", "empty"}}, Json{{"$", "empty"}}},
       {"IdAgente", nullptr, nullptr},
       {"CodiceAgente", 2.5, 2.5},
       {"DittaCorrente", Json{{"$", "date"}, {"value", "2024-05-01 00:00:00"}},

@@ -1,5 +1,5 @@
 // The statement rewriter's scene of `zarvik demo`: the rows each user keeps
-// and the layout rules of the tour.
+// (the layout rules are checked on the whole tour).
 #include "automation/rewrite_scene.h"
 
 #include <gtest/gtest.h>
@@ -26,12 +26,6 @@ TEST(RewriteScene, ShowsTheRowsEachUserKeeps) {
   EXPECT_NE(text.find("rows kept: ROSSI 6 of 17, VERDI 14 of 17\n"), std::string::npos) << text;
   EXPECT_NE(text.find("    1        P5       Nuovo stabilimento     yes    -\n"), std::string::npos)
       << text;
-  std::istringstream lines(text);
-  std::string line;
-  while (std::getline(lines, line)) {
-    EXPECT_LE(line.size(), 100U) << line;
-    EXPECT_TRUE(line.empty() || line.back() != ' ') << "trailing blank: [" << line << "]";
-  }
   // The scene works on its own copy: the tour's database is left open.
   EXPECT_EQ(db->State(), db::kStateOpen);
 }

@@ -50,37 +50,6 @@ TEST(TypeLibrary, EveryClassAndMemberIsBound) {
   EXPECT_EQ(names, (std::set<std::string>{"CLSFW_PARSER", "CLSFW_FILTROQUERY", "CLSFW_RVKUSERS"}));
 }
 
-TEST(TypeLibrary, UserContextOfBothFrameClasses) {
-  const TypeLibrary library = BuildTypeLibrary();
-  for (const char* name : {"CLSFW_PARSER", "CLSFW_FILTROQUERY"}) {
-    auto cls = library.FindClass(name);
-    ASSERT_NE(cls, nullptr);
-    for (const char* field : {"ConnectionStringADO", "RevokeDisabilitata", "CodiceGruppo",
-                              "CodiceUtente", "CodiceUtenteCLIFOR"}) {
-      EXPECT_NE(cls->Find(field, MemberKind::kPropertyGet), nullptr) << name << "." << field;
-      EXPECT_NE(cls->Find(field, MemberKind::kPropertyLet), nullptr) << name << "." << field;
-      EXPECT_EQ(cls->Find(field, MemberKind::kPropertySet), nullptr) << name << "." << field;
-    }
-    for (const char* field : {"DittaAgente", "DittaCorrente", "IdAgente", "CodiceAgente"}) {
-      EXPECT_NE(cls->Find(field, MemberKind::kPropertyGet), nullptr) << name << "." << field;
-      EXPECT_NE(cls->Find(field, MemberKind::kPropertyLet), nullptr) << name << "." << field;
-      EXPECT_NE(cls->Find(field, MemberKind::kPropertySet), nullptr) << name << "." << field;
-    }
-    for (const char* field : {"ConnectionADO", "ActiveInterface"}) {
-      EXPECT_NE(cls->Find(field, MemberKind::kPropertyGet), nullptr) << name << "." << field;
-      EXPECT_NE(cls->Find(field, MemberKind::kPropertySet), nullptr) << name << "." << field;
-      EXPECT_EQ(cls->Find(field, MemberKind::kPropertyLet), nullptr) << name << "." << field;
-    }
-    EXPECT_NE(cls->Find("IdUser", MemberKind::kPropertyLet), nullptr);
-    EXPECT_EQ(cls->Find("IdUser", MemberKind::kPropertyGet), nullptr);
-  }
-  auto filter = library.FindClass("CLSFW_FILTROQUERY");
-  const MemberDescription* flg = filter->Find("FlgGrpRevoke", MemberKind::kPropertyGet);
-  ASSERT_NE(flg, nullptr);
-  EXPECT_EQ(flg->result.base, BaseType::kInteger);
-  EXPECT_FALSE(library.FindClass("CLSFW_PARSER")->HasMember("FlgGrpRevoke"));
-}
-
 TEST(TypeLibrary, IdlText) {
   const std::string idl = TypeLibraryIdl(BuildTypeLibrary());
   for (const char* piece : {

@@ -1,3 +1,5 @@
+// Quoting of values in statement texts: the plain form keeps quotes as they
+// are, the escaped form doubles them.
 #include "frame/sql_text.h"
 
 #include <gtest/gtest.h>
@@ -24,20 +26,12 @@ TEST(SqlText, QuotedEscapedDoublesEveryQuote) {
 
 TEST(SqlText, UnquotedIsTheTextForm) {
   EXPECT_EQ(sql::Unquoted(Variant(int32_t{1})), "1");
-  EXPECT_EQ(sql::Unquoted(Variant(int16_t{-3})), "-3");
   EXPECT_EQ(sql::Unquoted(Variant("0001")), "0001");
   EXPECT_EQ(sql::Unquoted(Variant(2.5)), "2.5");
   EXPECT_EQ(sql::Unquoted(Variant::Boolean(true)), "True");
   EXPECT_EQ(sql::Unquoted(Variant()), "");
   EXPECT_EQ(sql::Unquoted(Variant::Null()), "");
   EXPECT_THROW(sql::Unquoted(Variant(ObjectRef(std::make_shared<HostObject>()))), VbError);
-}
-
-TEST(SqlText, NumberAndColumn) {
-  EXPECT_EQ(sql::Number(0), "0");
-  EXPECT_EQ(sql::Number(-2147483647 - 1), "-2147483648");
-  EXPECT_EQ(sql::Number(40000), "40000");
-  EXPECT_EQ(sql::Column("A.CG44_CLIFOR "), "A.CG44_CLIFOR ");
 }
 
 }  // namespace
