@@ -341,7 +341,7 @@ class CLSFW_PARSER {
   // FromRewriter) that the customer/supplier condition reads.
   friend class ConditionScannerStateForTest;
   // The agent rule of the statement rewriter: " MG17_IDAGENTE = '" +
-  // CodiceAgente + "'", or "" when CodiceAgente is blank. Runs no query.
+  // CodiceAgente + "' ", or "" when CodiceAgente is blank. Runs no query.
   std::string AgentRule() const;
   // OpenConnection (its answer is not used: a missing or closed connection
   // makes the first query fail under the caller's tag), then ResolveUser.

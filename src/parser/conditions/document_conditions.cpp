@@ -31,7 +31,9 @@ std::string DocumentTypeCondition(const std::string& nome_campo, int32_t user_id
 
 std::string CLSFW_PARSER::AgentRule() const {
   if (RevocationFrame::IsBlank(frame_.ctx.CodiceAgente)) return "";
-  return " MG17_IDAGENTE = '" + sql::Unquoted(frame_.ctx.CodiceAgente) + "'";
+  // The agents table's condition in a rewritten statement ends with a blank
+  // after the closing quote, like the other table conditions it is joined to.
+  return " MG17_IDAGENTE = '" + sql::Unquoted(frame_.ctx.CodiceAgente) + "' ";
 }
 
 std::string CLSFW_PARSER::SQLConditionDocMG36(const std::string& nome_campo, bool inserire_and) {

@@ -95,9 +95,9 @@ TEST_F(DocumentConditionTest, NoAgentCodeOrPrivilegedUserGivesNothing) {
 
 TEST_F(DocumentConditionTest, AgentRuleOfTheRewriter) {
   parser.SetCodiceAgente(Variant("AG12   "));
-  EXPECT_EQ(ConditionScannerStateForTest::AgentRule(parser), " MG17_IDAGENTE = 'AG12   '");
+  EXPECT_EQ(ConditionScannerStateForTest::AgentRule(parser), " MG17_IDAGENTE = 'AG12   ' ");
   parser.SetCodiceAgente(Variant(int32_t{14}));
-  EXPECT_EQ(ConditionScannerStateForTest::AgentRule(parser), " MG17_IDAGENTE = '14'");
+  EXPECT_EQ(ConditionScannerStateForTest::AgentRule(parser), " MG17_IDAGENTE = '14' ");
   EXPECT_TRUE(log->statements.empty());
 }
 
