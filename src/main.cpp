@@ -3,4 +3,6 @@
 
 #include "automation/cli.h"
 
-int main(int argc, char** argv) { return zarvik::cli::Main(argc, argv, std::cin, std::cout, std::cerr); }
+int main(int argc, char** argv) {
+  return zarvik::cli::Main(argc, argv, std::cin, std::cout, std::cerr);
+}

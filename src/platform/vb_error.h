@@ -14,21 +14,22 @@ namespace zarvik {
 
 // VB runtime error numbers the component can meet.
 namespace vberr {
-constexpr int32_t kInvalidProcedureCall = 5;   // "Invalid procedure call or argument"
-constexpr int32_t kOverflow = 6;               // "Overflow"
-constexpr int32_t kSubscriptOutOfRange = 9;    // "Subscript out of range"
-constexpr int32_t kTypeMismatch = 13;          // "Type mismatch"
-constexpr int32_t kObjectNotSet = 91;          // "Object variable or With block variable not set"
-constexpr int32_t kInvalidUseOfNull = 94;      // "Invalid use of Null"
-constexpr int32_t kNotSupported = 438;         // "Object doesn't support this property or method"
-constexpr int32_t kWrongArgCount = 450;        // "Wrong number of arguments or invalid property assignment"
+constexpr int32_t kInvalidProcedureCall = 5;  // "Invalid procedure call or argument"
+constexpr int32_t kOverflow = 6;              // "Overflow"
+constexpr int32_t kSubscriptOutOfRange = 9;   // "Subscript out of range"
+constexpr int32_t kTypeMismatch = 13;         // "Type mismatch"
+constexpr int32_t kObjectNotSet = 91;         // "Object variable or With block variable not set"
+constexpr int32_t kInvalidUseOfNull = 94;     // "Invalid use of Null"
+constexpr int32_t kNotSupported = 438;        // "Object doesn't support this property or method"
+constexpr int32_t kWrongArgCount =
+    450;  // "Wrong number of arguments or invalid property assignment"
 // ADO errors (as VB shows them).
 constexpr int32_t kAdoItemNotFound = 3265;     // field or parameter name unknown
 constexpr int32_t kAdoNoCurrentRecord = 3021;  // BOF or EOF
 constexpr int32_t kAdoObjectClosed = 3704;     // operation on a closed object
 constexpr int32_t kAdoObjectOpen = 3705;       // operation on an open object
 constexpr int32_t kAdoConnectionUnusable = 3709;
-constexpr int32_t kAdoArgumentsWrong = 3001;   // "Arguments are of the wrong type..."
+constexpr int32_t kAdoArgumentsWrong = 3001;  // "Arguments are of the wrong type..."
 // Provider failure (DB_E_ERRORSINCOMMAND): the provider's own message follows.
 constexpr int32_t kProviderError = -2147217900;
 // Provider could not connect (DB_SEC_E_AUTH_FAILED family / data source not found).

@@ -57,8 +57,8 @@ TEST(RewriteCommand, PrintsTheRewrittenStatementForTheDemoUser) {
 
 TEST(RewriteCommand, ExplainListsEveryRecognisedTable) {
   const CommandRun run = Rewrite({"--user", "ROSSI", "--explain",
-                           "SELECT * FROM MG36_DOCUMENTI D INNER JOIN CG44_CLIFOR C ON "
-                           "C.CG44_DITTA_CG18 = D.MG36_DITTA_CG18 WHERE 1 = 1"});
+                                  "SELECT * FROM MG36_DOCUMENTI D INNER JOIN CG44_CLIFOR C ON "
+                                  "C.CG44_DITTA_CG18 = D.MG36_DITTA_CG18 WHERE 1 = 1"});
   ASSERT_EQ(run.code, 0) << run.err;
   EXPECT_NE(run.out.find("\nScanner: rewritten\n"), std::string::npos) << run.out;
   EXPECT_NE(run.out.find("  1. MG36  FROM list  segment 1  alias \"D.\"\n"), std::string::npos)
@@ -100,7 +100,7 @@ TEST(RewriteCommand, UsesADatabaseFileOrAConnectionString) {
 
 TEST(RewriteCommand, AgentAndCompanyReachTheConditions) {
   const CommandRun run = Rewrite({"--user", "GIALLI", "--agent", "12", "--company", "1",
-                           "SELECT MG17_DESCR FROM MG17_AGENTI WHERE MG17_DITTA_CG18 = 1"});
+                                  "SELECT MG17_DESCR FROM MG17_AGENTI WHERE MG17_DITTA_CG18 = 1"});
   EXPECT_NE(run.out.find(" AND  MG17_IDAGENTE = '12'"), std::string::npos) << run.out;
 }
 
@@ -127,7 +127,8 @@ TEST(RewriteCommand, UsageErrors) {
   EXPECT_EQ(help.code, 0);
   EXPECT_EQ(help.out.rfind("usage: zarvik rewrite", 0), 0U);
 
-  const CommandRun bad_connect = Rewrite({"--user", "ROSSI", "--connect", "Provider=Nothing", "SELECT 1"});
+  const CommandRun bad_connect =
+      Rewrite({"--user", "ROSSI", "--connect", "Provider=Nothing", "SELECT 1"});
   EXPECT_EQ(bad_connect.code, 1);
   EXPECT_EQ(bad_connect.err.rfind("zarvik rewrite: ", 0), 0U) << bad_connect.err;
 }
