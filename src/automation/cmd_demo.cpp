@@ -61,11 +61,13 @@ void ShowLockOutScene(demo::TourContext& tour) {
                       db::kCmdText);
     return std::string(stamp).substr(11, 5);
   };
+  // The first value of the first row, or "-" when the statement gave no row.
+  auto first_value = [&](const std::string& sql) -> std::string {
+    const auto rows = demo::QueryRows(*database, sql);
+    return rows.empty() || rows.front().empty() ? "-" : rows.front().front().ConcatText();
+  };
   auto locked = [&]() {
-    return demo::QueryRows(*database, "SELECT FW07_FLGREVOKE FROM FW07_APPUSER WHERE FW07_ID = 10")
-        .at(0)
-        .at(0)
-        .ConcatText();
+    return first_value("SELECT FW07_FLGREVOKE FROM FW07_APPUSER WHERE FW07_ID = 10");
   };
   demo::TextTable table({"TIME", "RISULTATO", "AFTER", "ISREVOKED", "COUNTED", "LOCKED", "NOTE"});
   auto attempt = [&](int hour, int minute, int16_t outcome, const char* note) {
@@ -80,7 +82,7 @@ void ShowLockOutScene(demo::TourContext& tour) {
     std::string counted = "-";
     for (const std::string& sql : log->statements) {
       if (sql.rfind("SELECT COUNT(", 0) == 0) {
-        counted = demo::QueryRows(*database, sql).at(0).at(0).ConcatText();
+        counted = first_value(sql);
       }
     }
     table.AddRow({time, std::to_string(outcome), std::to_string(risultato),
