@@ -4,6 +4,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "automation/check_scene.h"
 #include "automation/cli.h"
@@ -80,7 +81,9 @@ void ShowLockOutScene(demo::TourContext& tour) {
     rvk.LoginRvk(risultato, win_user, group, login);
     // The failures the class counted: its own count statement, run again.
     std::string counted = "-";
-    for (const std::string& sql : log->statements) {
+    // A copy: running the count again appends to the log being read.
+    const std::vector<std::string> sent = log->statements;
+    for (const std::string& sql : sent) {
       if (sql.rfind("SELECT COUNT(", 0) == 0) {
         counted = first_value(sql);
       }
