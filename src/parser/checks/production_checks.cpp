@@ -22,6 +22,20 @@ bool RowFound(RevocationFrame& frame, const std::string& sql) {
   return !rows->EOF();
 }
 
+// Connects (the answer is not used: a missing connection fails the query),
+// resolves the user and starts the production module's flag statement:
+// "SELECT", "   FW31_FLGABILITATO ", "FROM", "   VFW31_RVKPARAMETRI WITH (NOLOCK) ".
+std::string FlagQueryHead(RevocationFrame& frame) {
+  frame.OpenConnection();
+  frame.ResolveUser();
+  std::string sql;
+  sql += "SELECT";
+  sql += "   FW31_FLGABILITATO ";
+  sql += "FROM";
+  sql += "   VFW31_RVKPARAMETRI WITH (NOLOCK) ";
+  return sql;
+}
+
 // The revision-state check of kind 34 (bills of materials) or 35 (work
 // cycles); kind_piece is "   FW31_INDTIPO      = 34 AND" or its 35 twin.
 bool RevisionStateBlocked(RevocationFrame& frame, int16_t state, const char* kind_piece) {
@@ -30,13 +44,7 @@ bool RevisionStateBlocked(RevocationFrame& frame, int16_t state, const char* kin
   if (state < 1 || state > 3) return true;
   const std::string quoted_state = sql::Quoted(sql::Number(state));
   if (RevocationFrame::IsPrivileged(frame.ctx.CodiceUtente)) return false;
-  frame.OpenConnection();
-  frame.ResolveUser();
-  std::string sql;
-  sql += "SELECT";
-  sql += "   FW31_FLGABILITATO ";
-  sql += "FROM";
-  sql += "   VFW31_RVKPARAMETRI WITH (NOLOCK) ";
+  std::string sql = FlagQueryHead(frame);
   sql += "WHERE";
   sql += kind_piece;
   sql += "   FW31_CODTIPO      = " + quoted_state + " AND";
@@ -51,13 +59,7 @@ bool BillChoiceBlocked(RevocationFrame& frame, const std::string& codice_documen
                        const char* kind_piece) {
   const std::string code = vb::RTrim(codice_documento);
   if (code.empty() || RevocationFrame::IsPrivileged(frame.ctx.CodiceUtente)) return false;
-  frame.OpenConnection();
-  frame.ResolveUser();
-  std::string sql;
-  sql += "SELECT";
-  sql += "   FW31_FLGABILITATO ";
-  sql += "FROM";
-  sql += "   VFW31_RVKPARAMETRI WITH (NOLOCK) ";
+  std::string sql = FlagQueryHead(frame);
   sql += "INNER JOIN";
   sql += "   MG36_DOCUMENTI WITH (NOLOCK) ";
   sql += "ON";
@@ -129,13 +131,7 @@ bool CLSFW_PARSER::AutorizzaAttivitaSuDocumentoProduzione(int16_t p_tipo_doc,
         checks::ProductionDocumentIndex(p_tipo_doc, p_sottotipo_doc);
     const std::string code = checks::ProductionOperationCode(p_cod_oper_ext, index.value_or(-1));
     if (code.empty() || !index) return;
-    frame_.OpenConnection();
-    frame_.ResolveUser();
-    std::string sql;
-    sql += "SELECT";
-    sql += "   FW31_FLGABILITATO ";
-    sql += "FROM";
-    sql += "   VFW31_RVKPARAMETRI WITH (NOLOCK) ";
+    std::string sql = FlagQueryHead(frame_);
     sql += "WHERE";
     sql += "       VFW31_RVKPARAMETRI.FW31_INDTIPO      = 38";
     sql += "   AND VFW31_RVKPARAMETRI.FW31_ID_FW07      =   " + sql::Number(frame_.UserId());
