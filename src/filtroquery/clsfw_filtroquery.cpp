@@ -3,7 +3,7 @@
 namespace zarvik {
 
 CLSFW_FILTROQUERY::CLSFW_FILTROQUERY(Env env)
-    : frame_(FiltroQueryFrameSettings(), std::move(env)) {}
+    : UserContextProperties(FiltroQueryFrameSettings(), std::move(env)) {}
 
 CLSFW_FILTROQUERY::~CLSFW_FILTROQUERY() { frame_.Terminate(); }
 

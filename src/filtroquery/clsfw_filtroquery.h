@@ -1,10 +1,11 @@
 // CLSFW_FILTROQUERY: revocation conditions for the host's query-filter
 // dialogs, one filter field at a time, in SQL and in report-formula form.
 //
-// The class is a RevocationFrame with FiltroQueryFrameSettings(): its
-// OpenConnection does not test the state of a connection handed in, its user
-// lookup requires an active user and fails silently, and its termination
-// only drops the host binding (it never closes the connection).
+// The class is a RevocationFrame with FiltroQueryFrameSettings(), with the
+// context properties of UserContextProperties. Its OpenConnection does not
+// test the state of a connection handed in, its user lookup requires an
+// active user and fails silently, and its termination only drops the host
+// binding (it never closes the connection).
 #ifndef ZARVIK_FILTROQUERY_CLSFW_FILTROQUERY_H_
 #define ZARVIK_FILTROQUERY_CLSFW_FILTROQUERY_H_
 
@@ -18,7 +19,7 @@
 #include "db/recordset.h"
 #include "db/tracing.h"
 #include "filtroquery/area_lists.h"
-#include "frame/revocation_frame.h"
+#include "frame/user_context_properties.h"
 #include "platform/env.h"
 #include "platform/object.h"
 #include "platform/variant.h"
@@ -35,7 +36,7 @@ enum tsEnumTipologie : int32_t {
 };
 
 // NOLINTNEXTLINE(readability-identifier-naming): the automation class name
-class CLSFW_FILTROQUERY {
+class CLSFW_FILTROQUERY : public UserContextProperties {
  public:
   explicit CLSFW_FILTROQUERY(Env env = DefaultEnv());
   // Termination: drops the host binding only.
@@ -43,45 +44,10 @@ class CLSFW_FILTROQUERY {
   CLSFW_FILTROQUERY(const CLSFW_FILTROQUERY&) = delete;
   CLSFW_FILTROQUERY& operator=(const CLSFW_FILTROQUERY&) = delete;
 
-  // --- User context (automation properties) -------------------------------
-  std::shared_ptr<db::Connection> ConnectionADO() const { return frame_.ctx.ConnectionADO; }
-  void SetConnectionADO(std::shared_ptr<db::Connection> value) {
-    frame_.ctx.ConnectionADO = std::move(value);
-  }
-  std::string ConnectionStringADO() const { return frame_.ctx.ConnectionStringADO; }
-  void SetConnectionStringADO(const std::string& value) { frame_.ctx.ConnectionStringADO = value; }
-  bool RevokeDisabilitata() const { return frame_.ctx.RevokeDisabilitata; }
-  void SetRevokeDisabilitata(bool value) { frame_.ctx.RevokeDisabilitata = value; }
-  std::string CodiceGruppo() const { return frame_.ctx.CodiceGruppo; }
-  void SetCodiceGruppo(const std::string& value) { frame_.ctx.CodiceGruppo = value; }
-  std::string CodiceUtente() const { return frame_.ctx.CodiceUtente; }
-  void SetCodiceUtente(const std::string& value) { frame_.ctx.CodiceUtente = value; }
-  std::string CodiceUtenteCLIFOR() const { return frame_.ctx.CodiceUtenteCLIFOR; }
-  void SetCodiceUtenteCLIFOR(const std::string& value) { frame_.ctx.CodiceUtenteCLIFOR = value; }
-  Variant DittaAgente() const { return frame_.ctx.DittaAgente; }
-  void SetDittaAgente(const Variant& value) { frame_.ctx.DittaAgente = value; }
-  Variant DittaCorrente() const { return frame_.ctx.DittaCorrente; }
-  void SetDittaCorrente(const Variant& value) { frame_.ctx.DittaCorrente = value; }
-  Variant IdAgente() const { return frame_.ctx.IdAgente; }
-  void SetIdAgente(const Variant& value) { frame_.ctx.IdAgente = value; }
-  // Here the agent's identifier (MG17_IDAGENTE), not its code.
-  Variant CodiceAgente() const { return frame_.ctx.CodiceAgente; }
-  void SetCodiceAgente(const Variant& value) { frame_.ctx.CodiceAgente = value; }
-  ObjectRef ActiveInterface() const { return frame_.ActiveInterface(); }
-  void SetActiveInterface(ObjectRef value) { frame_.SetActiveInterface(std::move(value)); }
-  void SetIdUser(int32_t value) { frame_.SetIdUser(value); }
+  // --- User context: the shared properties, and this one -----------------
   // FW07_FLGGRP of the resolved user (1 when not found); published only.
   int16_t FlgGrpRevoke() const { return frame_.FlgGrpRevoke(); }
   void SetFlgGrpRevoke(int16_t value) { frame_.SetFlgGrpRevoke(value); }
-
-  // --- Not part of the automation interface ---------------------------------
-  void SetStatementLog(std::shared_ptr<db::StatementLog> log) {
-    frame_.SetStatementLog(std::move(log));
-  }
-  // The frame itself (user id, group flag, OpenConnection, ...), for tests
-  // and for code that composes the class.
-  RevocationFrame& Frame() { return frame_; }
-  const RevocationFrame& Frame() const { return frame_; }
 
   // --- Query filter (FiltroCondizione, CondRevoke, CondRevokeCrystal) -------
   // Computes both conditions for one filter field of the host's dialog and
@@ -108,8 +74,6 @@ class CLSFW_FILTROQUERY {
   std::string CondRevokeCrystal() const { return cond_revoke_crystal_; }
 
  private:
-  RevocationFrame frame_;
-
   // State of the last FiltroCondizione call (every call starts by clearing it).
   std::string cond_revoke_;          // CondRevoke
   std::string cond_revoke_crystal_;  // CondRevokeCrystal

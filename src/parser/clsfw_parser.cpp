@@ -2,7 +2,8 @@
 
 namespace zarvik {
 
-CLSFW_PARSER::CLSFW_PARSER(Env env) : frame_(ParserFrameSettings(), std::move(env)) {}
+CLSFW_PARSER::CLSFW_PARSER(Env env)
+    : UserContextProperties(ParserFrameSettings(), std::move(env)) {}
 
 CLSFW_PARSER::~CLSFW_PARSER() { frame_.Terminate(); }
 
