@@ -163,8 +163,6 @@ TEST(CondAgente, AgentOfTheCurrentCompany) {
   } cases[] = {
       {"MG17_AGENTE", Variant("MG17.AGENTE"), "MG17_AGENTE = N'AG12' ",
        " ({MG17.AGENTE} = \"AG12\")"},
-      {"MG17_AGENTE", Variant("{MG17.AGENTE}"), "MG17_AGENTE = N'AG12' ",
-       " ({MG17.AGENTE} = \"AG12\")"},
       {"MG17_AGENTE", Variant("Trim({A})"), "MG17_AGENTE = N'AG12' ", " (Trim({A}) = \"AG12\")"},
       {"MG17_AGENTE", std::nullopt, "MG17_AGENTE = N'AG12' ", " ({MG17_AGENTE} = \"AG12\")"},
       {"MG17_AGENTE", Variant(""), "MG17_AGENTE = N'AG12' ", ""},

