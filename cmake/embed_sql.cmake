@@ -1,8 +1,7 @@
-# Writes every demo/*.sql file into a C++ source as a table of
-# (file name, text) pairs, in file-name order.
-file(GLOB files ${DIR}/*.sql)
-list(SORT files)
-set(body "// Generated from demo/*.sql; do not edit.\n#include \"demo/demo_sql.h\"\n\nnamespace zarvik::demo {\n\nconst std::vector<SqlFile>& DemoSqlFiles() {\n  static const std::vector<SqlFile> files = {\n")
+# Writes the SQL files FILES ('|'-separated, in the order they run) into a
+# C++ source OUT as a table of (file name, text) pairs.
+string(REPLACE "|" ";" files "${FILES}")
+set(body "// Generated from the demo database's SQL files; do not edit.\n#include \"demo/demo_sql.h\"\n\nnamespace zarvik::demo {\n\nconst std::vector<SqlFile>& DemoSqlFiles() {\n  static const std::vector<SqlFile> files = {\n")
 foreach(f ${files})
   get_filename_component(name ${f} NAME)
   file(READ ${f} text)

@@ -13,8 +13,9 @@ struct SubCommand {
 
 // Every sub-command of the zarvik command, in the order `help` lists them.
 const SubCommand kSubCommands[] = {
-    {"demo", "create the embedded demo database and tour it", RunDemo},
+    {"demo", "build the embedded demo database and tour it", RunDemo},
     {"describe", "print the automation description of the component's classes", RunDescribe},
+    {"init-db", "create the demo database in a new SQLite file", RunInitDb},
     {"host", "serve the component to a scripting host: JSON requests, one per line", RunHost},
     {"rewrite", "print a SELECT statement rewritten for a user (ElaboraStrSQL)", RunRewrite},
 };

@@ -24,6 +24,7 @@ int Main(int argc, char** argv, std::istream& in, std::ostream& out, std::ostrea
 int RunDemo(const Args& args, Streams io);
 int RunDescribe(const Args& args, Streams io);
 int RunHost(const Args& args, Streams io);
+int RunInitDb(const Args& args, Streams io);
 int RunRewrite(const Args& args, Streams io);
 
 }  // namespace zarvik::cli

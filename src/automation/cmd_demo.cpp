@@ -1,4 +1,4 @@
-// `zarvik demo [--db PATH]`: creates the demo database and tours it.
+// `zarvik demo [--db PATH]`: tours the demo database.
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -26,10 +26,10 @@ namespace {
 const char kUsage[] =
     "usage: zarvik demo [--db PATH]\n"
     "\n"
-    "Creates the demo database (in memory, or in the SQLite file PATH when it\n"
-    "is new or empty; an existing demo file is reused) and prints what is in\n"
-    "it: companies, users, agents, the revocations of every user and the\n"
-    "business tables.\n";
+    "Builds the demo database in memory (or opens PATH, a demo database that\n"
+    "zarvik init-db created) and prints what is in it: companies, users,\n"
+    "agents, the revocations of every user and the business tables, then\n"
+    "shows each class of the component at work on it.\n";
 
 // --- Scene: login lock-out (CLSFW_RVKUSERS) ----------------------------------
 
@@ -57,8 +57,8 @@ void ShowLockOutScene(demo::TourContext& tour) {
     clock->now = OleDateFromYmd(2024, 3, 5) + (hour * 60 + minute) / 1440.0;
     char stamp[32];
     std::snprintf(stamp, sizeof stamp, "2024-03-05 %02d:%02d:00.000", hour, minute);
-    database->Execute(std::string("UPDATE ZARVIK_ROUTINES SET BODY = 'SELECT ''") + stamp +
-                          "''' WHERE NAME = 'KVL_GETDATE'",
+    database->Execute(std::string("UPDATE ZARVIK_ROUTINES SET ROUTINE_BODY = 'SELECT ''") + stamp +
+                          "''' WHERE ROUTINE_NAME = 'KVL_GETDATE'",
                       db::kCmdText);
     return std::string(stamp).substr(11, 5);
   };
@@ -145,11 +145,8 @@ int RunDemo(const Args& args, Streams io) {
     }
   }
   try {
-    bool created = false;
-    const auto connection = demo::OpenDemoDatabase(path, &created);
-    io.out << "Demo database: "
-           << (file ? path + (created ? " (created now)" : " (already there)") : "in memory")
-           << "\n\n";
+    const auto connection = demo::OpenDemoDatabase(path);
+    io.out << "Demo database: " << (file ? path : "in memory") << "\n\n";
     demo::TourContext tour{*connection, io.out};
     demo::RunTour(tour);
     for (const demo::TourScene& scene : kClassScenes) demo::ShowScene(scene, tour);

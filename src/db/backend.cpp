@@ -2,7 +2,9 @@
 #include "db/backend.h"
 
 #include <string>
+#include <vector>
 
+#include "db/connection_string.h"
 #include "db/odbc_backend.h"
 #include "db/sqlite_backend.h"
 #include "platform/vb_error.h"
@@ -11,48 +13,74 @@
 namespace zarvik::db {
 namespace {
 
-std::string TrimBlanks(const std::string& text) {
-  const char* blanks = " \t\r\n";
-  const size_t b = text.find_first_not_of(blanks);
-  if (b == std::string::npos) return "";
-  return text.substr(b, text.find_last_not_of(blanks) - b + 1);
+SqliteOpenMode SqliteMode(const std::string& connection_string) {
+  const std::string mode = vb::UCase(ConnectionStringValue(connection_string, "Mode"));
+  if (mode.empty() || mode == "READWRITE") return SqliteOpenMode::kReadWrite;
+  if (mode == "READWRITECREATE") return SqliteOpenMode::kReadWriteCreate;
+  if (mode == "READONLY") return SqliteOpenMode::kReadOnly;
+  throw VbError(vberr::kProviderConnectFailed,
+                "SQLite: Mode must be ReadWrite, ReadWriteCreate or ReadOnly, not '" +
+                    ConnectionStringValue(connection_string, "Mode") + "'");
 }
 
-// The value of `key` in an ADO connection string ("k=v;k=v"); keys compare
-// without regard to case, a value may be enclosed in double or single
-// quotes; "" when absent.
-std::string ConnectionStringValue(const std::string& text, const std::string& key) {
-  size_t pos = 0;
-  std::string found;
-  while (pos < text.size()) {
-    size_t end = text.find(';', pos);
-    if (end == std::string::npos) end = text.size();
-    const std::string item = text.substr(pos, end - pos);
-    const size_t eq = item.find('=');
-    if (eq != std::string::npos && vb::UCase(TrimBlanks(item.substr(0, eq))) == vb::UCase(key)) {
-      std::string value = TrimBlanks(item.substr(eq + 1));
-      if (value.size() >= 2 && (value[0] == '"' || value[0] == '\'') && value.back() == value[0]) {
-        value = value.substr(1, value.size() - 2);
-      }
-      found = value;
+// The SQL Server ODBC driver an OLE DB connection string is given to: the
+// newest of Microsoft's drivers that is installed, else FreeTDS, else the
+// newest Microsoft driver's name (the driver manager then says it is
+// missing).
+std::string SqlServerOdbcDriver() {
+  const std::vector<std::string> preferred = {"ODBC Driver 18 for SQL Server",
+                                              "ODBC Driver 17 for SQL Server",
+                                              "ODBC Driver 13 for SQL Server", "FreeTDS"};
+  const std::vector<std::string> installed = InstalledOdbcDrivers();
+  for (const std::string& name : preferred) {
+    for (const std::string& have : installed) {
+      if (vb::UCase(have) == vb::UCase(name)) return have;
     }
-    pos = end + 1;
   }
-  return found;
+  return preferred.front();
+}
+
+// The string without its Provider item, for MSDASQL (OLE DB over ODBC).
+std::string WithoutProvider(const std::string& connection_string) {
+  std::string odbc;
+  for (const ConnectionStringItem& item : ParseConnectionString(connection_string)) {
+    if (vb::UCase(item.key) == "PROVIDER") continue;
+    if (!odbc.empty()) odbc += ";";
+    odbc += item.key + "=" + OdbcValue(item.value);
+  }
+  return odbc;
 }
 
 }  // namespace
 
 std::unique_ptr<Backend> OpenBackend(const std::string& connection_string, int connect_timeout) {
-  if (vb::UCase(ConnectionStringValue(connection_string, "Provider")) == "SQLITE") {
+  const std::string provider = ConnectionStringValue(connection_string, "Provider");
+  const std::string name = vb::UCase(provider);
+  if (name.empty()) return OpenOdbcBackend(connection_string, connect_timeout);
+  if (name == "SQLITE") {
     const std::string path = ConnectionStringValue(connection_string, "Data Source");
     if (path.empty()) {
       throw VbError(vberr::kProviderConnectFailed,
                     "SQLite: the connection string names no Data Source");
     }
-    return OpenSqliteBackend(path);
+    return OpenSqliteBackend(path, SqliteMode(connection_string));
   }
-  return OpenOdbcBackend(connection_string, connect_timeout);
+  if (IsSqlServerOleDbProvider(provider)) {
+    const std::string pinned = ConnectionStringValue(connection_string, "Driver");
+    const std::string driver = pinned.empty() ? SqlServerOdbcDriver() : pinned;
+    try {
+      return OpenOdbcBackend(SqlServerOdbcFromOleDb(connection_string, driver), connect_timeout);
+    } catch (const VbError& e) {
+      throw VbError(e.Number(), e.Description() + "\n(the OLE DB provider " + provider +
+                                    " is reached through the ODBC driver " + driver + ")");
+    }
+  }
+  if (name == "MSDASQL" || name.rfind("MSDASQL.", 0) == 0) {
+    return OpenOdbcBackend(WithoutProvider(connection_string), connect_timeout);
+  }
+  throw VbError(vberr::kAdoProviderNotFound,
+                VbErrorText(vberr::kAdoProviderNotFound) + " (Provider=" + provider +
+                    "; known providers: SQLite, SQLOLEDB, SQLNCLI11, MSOLEDBSQL, MSDASQL)");
 }
 
 }  // namespace zarvik::db

@@ -30,6 +30,7 @@ constexpr int kSmallInt = 2;
 constexpr int kInteger = 3;
 constexpr int kDouble = 5;
 constexpr int kDate = 7;
+constexpr int kVariant = 12;  // any type: the provider cannot say
 constexpr int kBoolean = 11;
 constexpr int kVarChar = 200;
 }  // namespace adtype
@@ -56,10 +57,17 @@ class Backend {
 
 // Opens the backend a connection string names:
 //   "Provider=SQLite;Data Source=PATH"  the embedded SQLite engine
-//                                        (":memory:" for a private in-memory db)
-//   anything else                        an ODBC connection string
+//                                        (":memory:" for a private in-memory
+//                                        db; see sqlite_backend.h for Mode)
+//   "Provider=SQLOLEDB;..." (SQLNCLI11, MSOLEDBSQL, ...)
+//                                        SQL Server through its ODBC driver,
+//                                        the OLE DB keywords mapped to ODBC
+//                                        ones (connection_string.h)
+//   "Provider=MSDASQL;..."               the rest as an ODBC string
+//   no Provider ("Driver=...", "DSN=...") an ODBC connection string
 //                                        (SQLDriverConnect through unixODBC)
-// `connect_timeout` is in seconds (0 = the driver's default). Raises VbError.
+// Any other provider raises VbError(kAdoProviderNotFound). `connect_timeout`
+// is in seconds (0 = the driver's default). Raises VbError.
 std::unique_ptr<Backend> OpenBackend(const std::string& connection_string, int connect_timeout);
 
 }  // namespace zarvik::db

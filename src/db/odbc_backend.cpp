@@ -206,6 +206,8 @@ Variant CoerceToParameterType(const Variant& value, int type) {
       return Variant::Boolean(value.ToBool());
     case adtype::kDate:
       return Variant::Date(value.ToDate());
+    case adtype::kVariant:
+      return value;
     default:
       return Variant(value.ToString());
   }
@@ -339,6 +341,7 @@ class OdbcBackend : public Backend {
   std::unique_ptr<DbcHandle> dbc_;
   bool connected_ = false;
   bool sqlite_ = false;
+  TsqlTranslationCache translations_;
   int command_timeout_ = 0;
 };
 
@@ -469,7 +472,7 @@ RowSet OdbcBackend::ReadRows(SQLHSTMT stmt, SQLSMALLINT column_count) {
 
 RowSet OdbcBackend::Execute(const std::string& sql) {
   auto stmt = NewStatement();
-  Run(stmt->get(), sqlite_ ? TranslateTsqlToSqlite(sql) : sql);
+  Run(stmt->get(), sqlite_ ? translations_.Translate(sql) : sql);
   return DrainResults(stmt->get());
 }
 
@@ -540,18 +543,15 @@ bool OdbcBackend::HasRoutineTable() {
 }
 
 // SQLite has no stored procedures: the routine table holds each
-// procedure's body, a SELECT whose single row carries the output
-// parameters as same-named columns and which refers to the inputs as
-// ":Name". The body runs through ODBC with the inputs bound in order, as
-// the embedded engine runs it; the procedure returns no rows of its own
-// when it has output parameters, else the body's rows.
+// procedure's body, a SELECT whose first row carries the output parameters
+// as same-named columns and which refers to the inputs as ":Name". The body runs through ODBC with
+// the inputs bound in order, as the embedded engine runs it; the procedure returns no rows of its
+// own when it has output parameters, else the body's rows.
 RowSet OdbcBackend::CallEmulated(const std::string& name, std::vector<ParameterInfo>& params) {
   ParameterInfo key;
   key.value = Variant(odbc::SplitProcedureName(name).name);
   const RowSet found = RunWithInputs(
-      "SELECT BODY FROM ZARVIK_ROUTINES WHERE UPPER(NAME) = UPPER(?) AND UPPER(TRIM(KIND)) = "
-      "'PROCEDURE'",
-      {key});
+      "SELECT ROUTINE_BODY FROM ZARVIK_ROUTINES WHERE UPPER(ROUTINE_NAME) = UPPER(?)", {key});
   if (found.rows.empty() || found.rows[0][0].IsNull()) {
     throw VbError(kFailed, "[42000] (native 2812) Could not find stored procedure '" + name + "'.");
   }
@@ -594,6 +594,28 @@ RowSet OdbcBackend::CallEmulated(const std::string& name, std::vector<ParameterI
 std::unique_ptr<Backend> OpenOdbcBackend(const std::string& connection_string,
                                          int connect_timeout) {
   return std::make_unique<OdbcBackend>(connection_string, connect_timeout);
+}
+
+std::vector<std::string> InstalledOdbcDrivers() {
+  std::vector<std::string> names;
+  std::unique_ptr<EnvHandle> env;
+  try {
+    env = std::make_unique<EnvHandle>(nullptr, kConnectFailed);
+  } catch (const VbError&) {
+    return names;
+  }
+  SQLSetEnvAttr(env->get(), SQL_ATTR_ODBC_VERSION, IntegerAttribute(SQL_OV_ODBC3), 0);
+  SQLCHAR name[256];
+  SQLCHAR attributes[1024];
+  SQLSMALLINT name_length = 0;
+  SQLSMALLINT attributes_length = 0;
+  SQLUSMALLINT direction = SQL_FETCH_FIRST;
+  while (SQL_SUCCEEDED(SQLDrivers(env->get(), direction, name, sizeof name, &name_length,
+                                  attributes, sizeof attributes, &attributes_length))) {
+    names.emplace_back(reinterpret_cast<const char*>(name));
+    direction = SQL_FETCH_NEXT;
+  }
+  return names;
 }
 
 }  // namespace zarvik::db

@@ -15,8 +15,11 @@
 // leading '@', the return value included when the driver lists it; an empty
 // list when the driver knows no procedures, as SQLite's). CallProcedure sends
 // "{call NAME(?, ...)}" with one bound marker per parameter. On a SQLite
-// database holding ZARVIK_ROUTINES (see sqlite_backend.h) a PROCEDURE row is
-// run instead, as the embedded engine runs it, through ODBC.
+// database holding ZARVIK_ROUTINES (see sqlite_backend.h) the routine's body
+// is run instead, as the embedded engine runs it, through ODBC; the caller
+// declares the parameters, since the SQLite driver describes none. The
+// routines cannot be called as functions through ODBC: the driver offers no
+// way to register them.
 //
 // Errors: VbError(kProviderConnectFailed) when the connection cannot be
 // made, VbError(kProviderError) for everything after; the text holds each
@@ -26,12 +29,17 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "db/backend.h"
 
 namespace zarvik::db {
 
 std::unique_ptr<Backend> OpenOdbcBackend(const std::string& connection_string, int connect_timeout);
+
+// The names of the drivers the driver manager knows (odbcinst.ini); empty
+// when the driver manager cannot be asked.
+std::vector<std::string> InstalledOdbcDrivers();
 
 }  // namespace zarvik::db
 

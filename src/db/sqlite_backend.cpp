@@ -4,11 +4,11 @@
 
 #include <sqlite3.h>
 
+#include <cctype>
 #include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -132,83 +132,19 @@ Variant ColumnValue(sqlite3_stmt* stmt, int column) {
   }
 }
 
-int AdTypeOf(const std::string& type_name) {
-  const std::string type = vb::UCase(type_name.substr(0, type_name.find('(')));
-  if (type == "INT" || type == "INTEGER") return adtype::kInteger;
-  if (type == "SMALLINT" || type == "TINYINT" || type == "BIT") return adtype::kSmallInt;
-  if (type == "VARCHAR" || type == "NVARCHAR" || type == "CHAR" || type == "NCHAR" ||
-      type == "TEXT") {
-    return adtype::kVarChar;
-  }
-  if (type == "FLOAT" || type == "REAL" || type == "DECIMAL" || type == "NUMERIC") {
-    return adtype::kDouble;
-  }
-  if (type == "DATETIME" || type == "DATE") return adtype::kDate;
-  return 0;
+// The name a body gives a bound parameter, without its ':' (or '@', '$');
+// "" for a positional ?N.
+std::string BindName(sqlite3_stmt* stmt, int index) {
+  const char* name = sqlite3_bind_parameter_name(stmt, index);
+  if (name == nullptr || name[0] == '?') return "";
+  return name + 1;
 }
 
-// Parses the PARAMS text of a routine.
-std::vector<ParameterInfo> ParseParams(const std::string& routine, const std::string& text) {
-  std::vector<std::string> items;
-  int depth = 0;
-  std::string current;
-  for (char c : text) {
-    if (c == '(') ++depth;
-    if (c == ')') --depth;
-    if (c == ',' && depth == 0) {
-      items.push_back(current);
-      current.clear();
-    } else {
-      current += c;
-    }
-  }
-  items.push_back(current);
-
-  std::vector<ParameterInfo> params;
-  for (const std::string& item : items) {
-    std::vector<std::string> words;
-    std::string word;
-    for (char c : Trim(item) + " ") {
-      if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
-        if (!word.empty()) words.push_back(word);
-        word.clear();
-      } else {
-        word += c;
-      }
-    }
-    if (words.empty() && items.size() == 1) break;  // no parameters at all
-    const auto bad = [&]() {
-      return VbError(vberr::kProviderError,
-                     "Bad parameter declaration '" + Trim(item) + "' of routine " + routine);
-    };
-    if (words.size() < 2 || words.size() > 3) throw bad();
-    ParameterInfo info;
-    info.name = words[0][0] == '@' ? words[0] : "@" + words[0];
-    info.type = AdTypeOf(words[1]);
-    if (info.type == 0) throw bad();
-    if (words.size() == 3) {
-      const std::string direction = vb::UCase(words[2]);
-      if (direction == "IN" || direction == "INPUT") {
-        info.direction = ParameterDirection::kInput;
-      } else if (direction == "OUT" || direction == "OUTPUT") {
-        info.direction = ParameterDirection::kOutput;
-      } else if (direction == "INOUT") {
-        info.direction = ParameterDirection::kInputOutput;
-      } else {
-        throw bad();
-      }
-    }
-    params.push_back(info);
-  }
-  return params;
-}
-
-// A registered scalar function: its parameters and body, with the body's
-// statement prepared once and reused.
+// A routine registered as a scalar function: its body's statement is
+// prepared at the first call and reused.
 struct ScalarFunction {
   sqlite3* db = nullptr;
   std::string name;
-  std::vector<std::string> params;
   std::string body;
   StmtPtr cached;
   bool busy = false;
@@ -216,54 +152,68 @@ struct ScalarFunction {
 
 void CallScalarFunction(sqlite3_context* context, int argc, sqlite3_value** argv) {
   auto* fn = static_cast<ScalarFunction*>(sqlite3_user_data(context));
+  auto fail = [&](const std::string& what) {
+    const std::string message = "function " + fn->name + ": " + what;
+    sqlite3_result_error(context, message.c_str(), -1);
+  };
   StmtPtr nested;  // a recursive call cannot reuse the statement in use
   sqlite3_stmt* stmt = fn->busy ? nullptr : fn->cached.get();
   if (stmt == nullptr) {
     sqlite3_stmt* raw = nullptr;
     if (sqlite3_prepare_v2(fn->db, fn->body.c_str(), -1, &raw, nullptr) != SQLITE_OK ||
         raw == nullptr) {
-      const std::string message = "function " + fn->name + ": " + sqlite3_errmsg(fn->db);
       sqlite3_finalize(raw);
-      sqlite3_result_error(context, message.c_str(), -1);
+      fail(sqlite3_errmsg(fn->db));
       return;
     }
-    if (fn->busy) {
-      nested.reset(raw);
-    } else {
-      fn->cached.reset(raw);
-    }
+    (fn->busy ? nested : fn->cached).reset(raw);
     stmt = raw;
+  }
+  // The body's ?1..?n take the arguments in order.
+  const int expected = sqlite3_bind_parameter_count(stmt);
+  if (argc != expected) {
+    fail("takes " + std::to_string(expected) + " argument(s), called with " + std::to_string(argc));
+    return;
   }
   const bool owner = !fn->busy;
   fn->busy = true;
-  for (int i = 0; i < argc && i < static_cast<int>(fn->params.size()); ++i) {
-    const int index = BindIndex(stmt, fn->params[i]);
-    if (index > 0) sqlite3_bind_value(stmt, index, argv[i]);
-  }
+  for (int i = 0; i < argc; ++i) sqlite3_bind_value(stmt, i + 1, argv[i]);
   const int rc = sqlite3_step(stmt);
   if (rc == SQLITE_ROW) {
     sqlite3_result_value(context, sqlite3_column_value(stmt, 0));
   } else if (rc == SQLITE_DONE) {
     sqlite3_result_null(context);
   } else {
-    const std::string message = "function " + fn->name + ": " + sqlite3_errmsg(fn->db);
-    sqlite3_result_error(context, message.c_str(), -1);
+    fail(sqlite3_errmsg(fn->db));
   }
   sqlite3_reset(stmt);
   sqlite3_clear_bindings(stmt);
   if (owner) fn->busy = false;
 }
 
-struct Routine {
-  std::string name;
-  std::string kind;
-  std::string params;
-  std::string body;
-};
+// SQL Server's default collation: letters compare without regard to case
+// and trailing blanks do not count ('ab  ' = 'AB').
+int CompareTsql(void* /*unused*/, int left_size, const void* left, int right_size,
+                const void* right) {
+  const auto* a = static_cast<const unsigned char*>(left);
+  const auto* b = static_cast<const unsigned char*>(right);
+  while (left_size > 0 && a[left_size - 1] == ' ') --left_size;
+  while (right_size > 0 && b[right_size - 1] == ' ') --right_size;
+  const int common = left_size < right_size ? left_size : right_size;
+  for (int i = 0; i < common; ++i) {
+    const int ca = a[i] < 0x80 ? std::toupper(a[i]) : a[i];
+    const int cb = b[i] < 0x80 ? std::toupper(b[i]) : b[i];
+    if (ca != cb) return ca < cb ? -1 : 1;
+  }
+  return left_size == right_size ? 0 : (left_size < right_size ? -1 : 1);
+}
 
 class SqliteBackend : public Backend {
  public:
   explicit SqliteBackend(DbPtr db) : db_(std::move(db)) {
+    const int rc =
+        sqlite3_create_collation_v2(db_.get(), "TSQL", SQLITE_UTF8, nullptr, CompareTsql, nullptr);
+    if (rc != SQLITE_OK) Fail(rc, "");
     // Without waiting for a lock: a database locked now has its functions
     // registered at their first use instead.
     LoadFunctions();
@@ -275,30 +225,56 @@ class SqliteBackend : public Backend {
   }
 
   RowSet Execute(const std::string& sql) override {
-    const std::string translated = TranslateTsqlToSqlite(sql);
-    RowSet rows = RunScript(translated, nullptr);
+    const std::string translated = translations_.Translate(sql);
+    RowSet rows = RunScript(translated);
     if (vb::InStr(1, translated, "ZARVIK_ROUTINES", vb::Compare::kText) != 0) LoadFunctions();
     return rows;
   }
 
+  // Inputs are the body's :Name parameters, outputs the columns of its
+  // result; a name that is both is an input-output parameter. The body
+  // says nothing of types, so every parameter is a Variant.
   std::vector<ParameterInfo> DescribeProcedure(const std::string& name) override {
-    const Routine routine = FindProcedure(name);
-    return ParseParams(routine.name, routine.params);
+    const StmtPtr stmt = PrepareBody(name);
+    std::vector<ParameterInfo> params;
+    for (int i = 1; i <= sqlite3_bind_parameter_count(stmt.get()); ++i) {
+      const std::string bind = BindName(stmt.get(), i);
+      if (bind.empty()) continue;
+      ParameterInfo info;
+      info.name = "@" + bind;
+      info.type = adtype::kVariant;
+      params.push_back(info);
+    }
+    for (int c = 0; c < sqlite3_column_count(stmt.get()); ++c) {
+      const std::string column = sqlite3_column_name(stmt.get(), c);
+      bool input = false;
+      for (ParameterInfo& p : params) {
+        if (vb::UCase(p.name.substr(1)) == vb::UCase(column)) {
+          p.direction = ParameterDirection::kInputOutput;
+          input = true;
+        }
+      }
+      if (input) continue;
+      ParameterInfo info;
+      info.name = "@" + column;
+      info.type = adtype::kVariant;
+      info.direction = ParameterDirection::kOutput;
+      params.push_back(info);
+    }
+    return params;
   }
 
   RowSet CallProcedure(const std::string& name, std::vector<ParameterInfo>& params) override {
-    const Routine routine = FindProcedure(name);
-    auto bind = [&params](sqlite3_stmt* stmt) {
-      for (const ParameterInfo& p : params) {
-        if (p.direction != ParameterDirection::kInput &&
-            p.direction != ParameterDirection::kInputOutput) {
-          continue;
-        }
-        const int index = BindIndex(stmt, p.name);
-        if (index > 0) BindVariant(stmt, index, p.value);
+    const StmtPtr stmt = PrepareBody(name);
+    for (const ParameterInfo& p : params) {
+      if (p.direction != ParameterDirection::kInput &&
+          p.direction != ParameterDirection::kInputOutput) {
+        continue;
       }
-    };
-    RowSet rows = RunScript(routine.body, bind);
+      const int index = BindIndex(stmt.get(), p.name);
+      if (index > 0) BindVariant(stmt.get(), index, p.value);
+    }
+    RowSet rows = ReadRows(stmt.get());
     bool has_outputs = false;
     for (ParameterInfo& p : params) {
       if (p.direction != ParameterDirection::kOutput &&
@@ -325,15 +301,32 @@ class SqliteBackend : public Backend {
   }
 
  private:
-  using Binder = std::function<void(sqlite3_stmt*)>;
-
   [[noreturn]] void Fail(int code, const std::string& statement) const {
     throw VbError(vberr::kProviderError, ErrorText(code, sqlite3_errmsg(db_.get()), statement));
   }
 
+  // Steps a prepared statement to its end; the rows when it has columns.
+  RowSet ReadRows(sqlite3_stmt* stmt) {
+    RowSet result;
+    const int columns = sqlite3_column_count(stmt);
+    for (int c = 0; c < columns; ++c) {
+      const char* name = sqlite3_column_name(stmt, c);
+      result.columns.emplace_back(name == nullptr ? "" : name);
+    }
+    int rc = SQLITE_OK;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+      std::vector<Variant> row;
+      row.reserve(columns);
+      for (int c = 0; c < columns; ++c) row.push_back(ColumnValue(stmt, c));
+      result.rows.push_back(std::move(row));
+    }
+    if (rc != SQLITE_DONE) Fail(rc, sqlite3_sql(stmt));
+    return result;
+  }
+
   // Runs every statement of `text`; answers the rows of the first statement
   // that has a result set.
-  RowSet RunScript(const std::string& text, const Binder& bind) {
+  RowSet RunScript(const std::string& text) {
     RowSet result;
     bool have_result = false;
     const char* tail = text.c_str();
@@ -350,24 +343,11 @@ class SqliteBackend : public Backend {
       StmtPtr stmt(raw);
       if (rc != SQLITE_OK) Fail(rc, std::string(tail, end));
       if (!stmt) break;  // only blanks or comments left
-      if (bind) bind(stmt.get());
-      const int columns = sqlite3_column_count(stmt.get());
-      const bool keep = columns > 0 && !have_result;
-      if (keep) {
-        for (int c = 0; c < columns; ++c) {
-          const char* name = sqlite3_column_name(stmt.get(), c);
-          result.columns.emplace_back(name == nullptr ? "" : name);
-        }
+      RowSet rows = ReadRows(stmt.get());
+      if (!have_result && !rows.columns.empty()) {
+        result = std::move(rows);
+        have_result = true;
       }
-      while ((rc = sqlite3_step(stmt.get())) == SQLITE_ROW) {
-        if (!keep) continue;
-        std::vector<Variant> row;
-        row.reserve(columns);
-        for (int c = 0; c < columns; ++c) row.push_back(ColumnValue(stmt.get(), c));
-        result.rows.push_back(std::move(row));
-      }
-      if (rc != SQLITE_DONE) Fail(rc, sqlite3_sql(stmt.get()));
-      have_result = have_result || keep;
       tail = next;
     }
     return result;
@@ -377,86 +357,101 @@ class SqliteBackend : public Backend {
     return std::string(sqlite3_errmsg(db_.get())).rfind("no such function", 0) == 0;
   }
 
-  std::optional<Routine> LookUp(const std::string& name) {
+  // The body of the routine `name` (brackets, a dbo. qualifier and case do
+  // not matter) prepared; an unknown routine is SQL Server's error 2812.
+  StmtPtr PrepareBody(const std::string& name) {
+    std::optional<std::string> body;
+    {
+      sqlite3_stmt* raw = nullptr;
+      const char* sql =
+          "SELECT ROUTINE_BODY FROM ZARVIK_ROUTINES WHERE UPPER(ROUTINE_NAME) = UPPER(?1)";
+      if (sqlite3_prepare_v2(db_.get(), sql, -1, &raw, nullptr) == SQLITE_OK) {
+        StmtPtr lookup(raw);
+        const std::string bare = BareRoutineName(name);
+        sqlite3_bind_text(raw, 1, bare.c_str(), -1, SQLITE_TRANSIENT);
+        if (sqlite3_step(raw) == SQLITE_ROW && sqlite3_column_type(raw, 0) != SQLITE_NULL) {
+          body = reinterpret_cast<const char*>(sqlite3_column_text(raw, 0));
+        }
+      } else {
+        sqlite3_finalize(raw);  // no routines table: no procedures
+      }
+    }
+    if (!body) throw VbError(vberr::kProviderError, NotFoundText(name));
     sqlite3_stmt* raw = nullptr;
-    const char* sql =
-        "SELECT NAME, KIND, PARAMS, BODY FROM ZARVIK_ROUTINES WHERE UPPER(NAME) = UPPER(?1)";
-    if (sqlite3_prepare_v2(db_.get(), sql, -1, &raw, nullptr) != SQLITE_OK) {
-      sqlite3_finalize(raw);
-      return std::nullopt;  // no routines table
-    }
+    const int rc = sqlite3_prepare_v2(db_.get(), body->c_str(), -1, &raw, nullptr);
     StmtPtr stmt(raw);
-    sqlite3_bind_text(raw, 1, name.c_str(), -1, SQLITE_TRANSIENT);
-    if (sqlite3_step(raw) != SQLITE_ROW) return std::nullopt;
-    auto text = [raw](int c) {
-      const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(raw, c));
-      return p == nullptr ? std::string() : std::string(p);
-    };
-    return Routine{text(0), text(1), text(2), text(3)};
-  }
-
-  Routine FindProcedure(const std::string& name) {
-    const std::string bare = BareRoutineName(name);
-    std::optional<Routine> routine = LookUp(bare);
-    if (!routine || vb::UCase(Trim(routine->kind)) != "PROCEDURE") {
-      throw VbError(vberr::kProviderError, NotFoundText(name));
+    if (rc != SQLITE_OK) {
+      throw VbError(vberr::kProviderError, "procedure " + BareRoutineName(name) + ": " +
+                                               ErrorText(rc, sqlite3_errmsg(db_.get()), *body));
     }
-    return *routine;
+    if (!stmt) throw VbError(vberr::kProviderError, "procedure " + name + " has an empty body");
+    return stmt;
   }
 
-  // Registers every FUNCTION of ZARVIK_ROUTINES; answers whether the table
-  // held any function.
+  // Registers every row of ZARVIK_ROUTINES as a scalar function; answers
+  // whether the table held any.
   bool LoadFunctions() {
     sqlite3_stmt* raw = nullptr;
-    const char* sql =
-        "SELECT NAME, PARAMS, BODY FROM ZARVIK_ROUTINES WHERE UPPER(KIND) = 'FUNCTION'";
+    const char* sql = "SELECT ROUTINE_NAME, ROUTINE_BODY FROM ZARVIK_ROUTINES";
     if (sqlite3_prepare_v2(db_.get(), sql, -1, &raw, nullptr) != SQLITE_OK) {
       sqlite3_finalize(raw);
       return false;
     }
     StmtPtr stmt(raw);
-    std::vector<Routine> found;
+    std::vector<std::pair<std::string, std::string>> found;
     while (sqlite3_step(raw) == SQLITE_ROW) {
       auto text = [raw](int c) {
         const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(raw, c));
         return p == nullptr ? std::string() : std::string(p);
       };
-      found.push_back(Routine{BareRoutineName(text(0)), "FUNCTION", text(1), text(2)});
+      found.emplace_back(BareRoutineName(text(0)), text(1));
     }
     stmt.reset();
-    for (const Routine& r : found) Register(r);
+    for (const auto& [name, body] : found) Register(name, body);
     return !found.empty();
   }
 
-  void Register(const Routine& routine) {
+  void Register(const std::string& name, const std::string& body) {
     auto fn = std::make_unique<ScalarFunction>();
     fn->db = db_.get();
-    fn->name = routine.name;
-    fn->body = routine.body;
-    for (const ParameterInfo& p : ParseParams(routine.name, routine.params)) {
-      fn->params.push_back(p.name);
-    }
-    const int rc = sqlite3_create_function_v2(
-        db_.get(), routine.name.c_str(), static_cast<int>(fn->params.size()), SQLITE_UTF8, fn.get(),
-        CallScalarFunction, nullptr, nullptr, nullptr);
+    fn->name = name;
+    fn->body = body;
+    // Any number of arguments: the call checks them against the body.
+    const int rc = sqlite3_create_function_v2(db_.get(), name.c_str(), -1, SQLITE_UTF8, fn.get(),
+                                              CallScalarFunction, nullptr, nullptr, nullptr);
     if (rc != SQLITE_OK) Fail(rc, "");
     // The previous definition (if any) is no longer reachable from SQLite.
-    functions_[vb::UCase(routine.name) + "/" + std::to_string(fn->params.size())] = std::move(fn);
+    functions_[vb::UCase(name)] = std::move(fn);
   }
 
   DbPtr db_;
+  TsqlTranslationCache translations_;
   std::map<std::string, std::unique_ptr<ScalarFunction>> functions_;
 };
 
 }  // namespace
 
-std::unique_ptr<Backend> OpenSqliteBackend(const std::string& path) {
+std::unique_ptr<Backend> OpenSqliteBackend(const std::string& path, SqliteOpenMode mode) {
+  int flags = SQLITE_OPEN_URI;
+  switch (mode) {
+    case SqliteOpenMode::kReadWrite:
+      flags |= SQLITE_OPEN_READWRITE;
+      break;
+    case SqliteOpenMode::kReadWriteCreate:
+      flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+      break;
+    case SqliteOpenMode::kReadOnly:
+      flags |= SQLITE_OPEN_READONLY;
+      break;
+  }
   sqlite3* raw = nullptr;
-  const int rc = sqlite3_open_v2(
-      path.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI, nullptr);
+  const int rc = sqlite3_open_v2(path.c_str(), &raw, flags, nullptr);
   DbPtr db(raw);
   if (rc != SQLITE_OK) {
-    const std::string message = raw == nullptr ? "out of memory" : sqlite3_errmsg(raw);
+    std::string message = raw == nullptr ? "out of memory" : sqlite3_errmsg(raw);
+    if ((rc & 0xff) == SQLITE_CANTOPEN && mode != SqliteOpenMode::kReadWriteCreate) {
+      message += "; a database that does not exist yet is made with zarvik init-db";
+    }
     throw VbError(vberr::kProviderConnectFailed, "SQLite error " + std::to_string(rc & 0xff) +
                                                      ": " + message + " (Data Source=" + path +
                                                      ")");

@@ -1,12 +1,16 @@
 // The embedded SQLite engine behind "Provider=SQLite;Data Source=PATH".
 //
-// PATH is a file name (created when missing) or ":memory:" for a private
-// in-memory database. Every statement text is translated from T-SQL first
-// (TranslateTsqlToSqlite) and may hold several statements separated by ';',
-// so a whole script runs in one Execute; the rows of its first statement that
-// has a result set are returned. Failures raise VbError(kProviderError,
-// "SQLite error N: message in statement: TEXT"); a database that cannot be
-// opened raises VbError(kProviderConnectFailed, ...).
+// PATH is an existing database file or ":memory:" for a private in-memory
+// database. A file that does not exist is an error, as a missing database is
+// on a server; "Mode=ReadWriteCreate" in the connection string creates it
+// ("Mode=ReadOnly" opens read-only; the default is "ReadWrite").
+//
+// Every statement text is translated from T-SQL first (TsqlTranslationCache)
+// and may hold several statements separated by ';', so a whole script runs
+// in one Execute; the rows of its first statement that has a result set are
+// returned. Failures raise VbError(kProviderError, "SQLite error N: message
+// in statement: TEXT"); a database that cannot be opened raises
+// VbError(kProviderConnectFailed, ...).
 //
 // Field values: INTEGER -> Long when it fits 32 bits, else Double; REAL ->
 // Double; TEXT and BLOB -> String; NULL -> Null. Values bound into
@@ -14,43 +18,37 @@
 // Double -> REAL, String -> TEXT, Date -> TEXT 'YYYY-MM-DD' or
 // 'YYYY-MM-DD HH:MM:SS' when it has a time part.
 //
-// Routines. The database's functions and stored procedures are described in
-// the table
+// Collation: every connection knows the collation TSQL, which compares text
+// as SQL Server's default collation does (ASCII letters without regard to
+// case, trailing blanks ignored), for columns declared "COLLATE TSQL". Other
+// columns compare as SQLite does: '=' on text is case-sensitive.
+//
+// Routines. SQLite has no stored routines; the database keeps them as rows
+// of
 //
 //   CREATE TABLE ZARVIK_ROUTINES (
-//     NAME   TEXT PRIMARY KEY,  -- e.g. 'FNFW_TRASFREVOCATI' (no 'dbo.')
-//     KIND   TEXT NOT NULL,     -- 'FUNCTION' or 'PROCEDURE'
-//     PARAMS TEXT NOT NULL,     -- comma-separated '@Name TYPE [IN|OUT|INOUT]'
-//     BODY   TEXT NOT NULL);    -- one SQLite SELECT; parameters as :Name
+//     ROUTINE_NAME TEXT PRIMARY KEY,  -- e.g. 'FNFW_TRASFREVOCATI', no 'dbo.'
+//     ROUTINE_BODY TEXT NOT NULL);    -- one SQLite SELECT, not translated
 //
-// PARAMS of a procedure, e.g. '@IdUtente INT IN, @GruppoPDC SMALLINT IN,
-// @ContoPDC VARCHAR IN, @canAbilitato INT OUT, @canVisualizza INT OUT';
-// of a function (inputs only), e.g. '@Ditta INT, @IdUtente INT, @DepOrig
-// VARCHAR, @DepDest VARCHAR'; '' for none. Types: INT/INTEGER (adInteger),
-// SMALLINT/TINYINT/BIT (adSmallInt), VARCHAR/NVARCHAR/CHAR/NCHAR/TEXT
-// (adVarChar, a length such as VARCHAR(20) is allowed), FLOAT/REAL/DECIMAL/
-// NUMERIC (adDouble), DATETIME/DATE (adDate). The direction defaults to IN.
-//
-// - A FUNCTION is registered as a SQLite scalar function of its name (names
-//   are case-insensitive) when the connection opens, and again whenever a
-//   statement names a function SQLite does not know or the text of a script
-//   mentions ZARVIK_ROUTINES (so a script may create the table and use the
-//   functions afterwards). Its value is the first column of the first row of
-//   BODY with the arguments bound by declared position to :Name; NULL when
-//   BODY returns no row. A function without parameters, such as the server
-//   clock KVL_GETDATE ('SELECT datetime(''now'', ''localtime'')'), is called
-//   as KVL_GETDATE().
-// - A PROCEDURE is described by its PARAMS (DescribeProcedure) and called by
-//   running BODY with the input parameters bound by name; each output
-//   parameter takes the value of the same-named column (without '@') of the
-//   first row, NULL when there is no row or no such column. A procedure with
-//   output parameters returns no rows of its own; one without returns BODY's
-//   rows. BODY is SQLite and is not translated.
+// - Every row is a scalar function, registered when the connection opens
+//   and again whenever a statement names a function SQLite does not know or
+//   a script mentions ZARVIK_ROUTINES (so a script may create the table and
+//   use the functions afterwards). It is called as NAME(...), dbo.NAME(...)
+//   or [dbo].[NAME](...); the body's positional parameters ?1..?n take the
+//   arguments (a different number of arguments is an error), and the first
+//   column of the body's first row is the value, NULL when there is no row.
+//   The server clock KVL_GETDATE, for instance, is the body
+//   'SELECT strftime(''%Y-%m-%d %H:%M:%f'', ''now'', ''localtime'')'.
+// - A stored procedure is the row of its name run with named parameters
+//   :Name (the parameter's name without '@'). DescribeProcedure reads the
+//   body: its :Name parameters are inputs, its result columns outputs (a
+//   name that is both is input-output), all of type adVariant. CallProcedure
+//   binds the inputs by name; each output parameter takes the value of the
+//   same-named column of the first row, NULL when there is no row. A
+//   procedure with output parameters returns no rows of its own; one
+//   without returns the body's rows.
 // An unknown procedure raises VbError(kProviderError, "Could not find stored
 // procedure 'NAME'.").
-//
-// Text comparison is SQLite's: '=' on text is case-sensitive unless the
-// column is declared COLLATE NOCASE.
 #ifndef ZARVIK_DB_SQLITE_BACKEND_H_
 #define ZARVIK_DB_SQLITE_BACKEND_H_
 
@@ -61,7 +59,10 @@
 
 namespace zarvik::db {
 
-std::unique_ptr<Backend> OpenSqliteBackend(const std::string& path);
+enum class SqliteOpenMode { kReadWrite, kReadWriteCreate, kReadOnly };
+
+std::unique_ptr<Backend> OpenSqliteBackend(const std::string& path,
+                                           SqliteOpenMode mode = SqliteOpenMode::kReadWrite);
 
 }  // namespace zarvik::db
 

@@ -15,6 +15,10 @@
 namespace zarvik::db {
 namespace {
 
+// The local date and time as SQL Server's datetime reads as text, with
+// milliseconds: 'YYYY-MM-DD HH:MM:SS.fff'.
+constexpr char kLocalNow[] = "strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime')";
+
 enum class Tok { kSpace, kWord, kString, kBracket, kQuoted, kComment, kPunct };
 
 struct Token {
@@ -196,6 +200,7 @@ class Translator {
   size_t TryNolock(size_t i, size_t end) const;
   size_t TryConvert(size_t i, size_t end, std::string* out) const;
   size_t TryCast(size_t i, size_t end, std::string* out) const;
+  size_t TryGetdate(size_t i, size_t end) const;
 
   const std::vector<Token>& t_;
 };
@@ -331,6 +336,15 @@ size_t Translator::TryConvert(size_t i, size_t end, std::string* out) const {
   return close + 1;
 }
 
+// GETDATE(): the server's local clock.
+size_t Translator::TryGetdate(size_t i, size_t end) const {
+  if (!IsWord(i, "GETDATE")) return 0;
+  const size_t open = NextSolid(i + 1, end);
+  if (!IsPunct(open, '(')) return 0;
+  const size_t close = NextSolid(open + 1, end);
+  return IsPunct(close, ')') ? close + 1 : 0;
+}
+
 // CAST(x AS character type) and CAST(x AS DATETIME).
 size_t Translator::TryCast(size_t i, size_t end, std::string* out) const {
   const size_t open = NextSolid(i + 1, end);
@@ -419,6 +433,11 @@ std::string Translator::Run(size_t begin, size_t end) const {
         i = next;
         continue;
       }
+    }
+    if (size_t next = TryGetdate(i, end)) {
+      emit_solid(kLocalNow);
+      i = next;
+      continue;
     }
     if (IsWord(i, "ISNULL") && IsPunct(NextSolid(i + 1, end), '(')) {
       emit_solid("IFNULL");
@@ -511,6 +530,17 @@ std::string Translator::Run(size_t begin, size_t end) const {
 std::string TranslateTsqlToSqlite(const std::string& tsql) {
   const std::vector<Token> tokens = Tokenize(tsql);
   return Translator(tokens).Run(0, tokens.size());
+}
+
+std::string TsqlTranslationCache::Translate(const std::string& tsql) {
+  const auto found = translations_.find(tsql);
+  if (found != translations_.end()) return found->second;
+  std::string translated = TranslateTsqlToSqlite(tsql);
+  // A component sends few distinct texts; a host that builds texts with
+  // values in them would grow the cache without end, so it starts afresh.
+  if (translations_.size() >= capacity_) translations_.clear();
+  translations_.emplace(tsql, translated);
+  return translated;
 }
 
 }  // namespace zarvik::db

@@ -2,7 +2,7 @@
 // embedded engine (and for an ODBC driver whose database is SQLite).
 //
 // Only the constructs the component and its test database use are handled:
-// TOP n, table hints WITH (NOLOCK), ISNULL, CONVERT/CAST to character and
+// TOP n, table hints WITH (NOLOCK), ISNULL, GETDATE(), CONVERT/CAST to character and
 // decimal types, convert(varchar, x, 120) and convert(datetime, s, 120),
 // N'...' literals, [bracketed] names, dbo. / [dbo]. qualifiers, the ODBC
 // outer-join escape {oj ...}, and x IN ((SELECT ...)), whose inner
@@ -11,11 +11,26 @@
 #ifndef ZARVIK_DB_TSQL_DIALECT_H_
 #define ZARVIK_DB_TSQL_DIALECT_H_
 
+#include <cstddef>
 #include <string>
+#include <unordered_map>
 
 namespace zarvik::db {
 
 std::string TranslateTsqlToSqlite(const std::string& tsql);
+
+// The translations of one connection, kept by statement text: the component
+// sends the same few texts again and again. Holds at most `capacity` texts.
+class TsqlTranslationCache {
+ public:
+  explicit TsqlTranslationCache(size_t capacity = 1024) : capacity_(capacity) {}
+  std::string Translate(const std::string& tsql);
+  size_t size() const { return translations_.size(); }
+
+ private:
+  size_t capacity_;
+  std::unordered_map<std::string, std::string> translations_;
+};
 
 }  // namespace zarvik::db
 

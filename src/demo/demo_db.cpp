@@ -1,6 +1,10 @@
 #include "demo/demo_db.h"
 
 #include <cstddef>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <string>
 
 #include "demo/demo_sql.h"
 #include "platform/vb_error.h"
@@ -150,15 +154,41 @@ std::string DemoConnectionString(const std::string& path) {
   return "Provider=SQLite;Data Source=" + path;
 }
 
-std::shared_ptr<db::Connection> OpenDemoDatabase(const std::string& path, bool* created) {
+std::shared_ptr<db::Connection> OpenDemoDatabase(const std::string& path) {
   auto connection = std::make_shared<db::Connection>();
   connection->SetConnectionString(DemoConnectionString(path));
   connection->SetCursorLocation(db::kUseClient);
   connection->Open();
-  const bool empty = IsEmptyDatabase(*connection);
-  if (empty) CreateDemoDatabase(*connection);
-  if (created != nullptr) *created = empty;
+  if (path == ":memory:") {
+    CreateDemoDatabase(*connection);
+  } else if (IsEmptyDatabase(*connection)) {
+    throw VbError(vberr::kProviderConnectFailed, "the database " + path +
+                                                     " holds no tables; zarvik init-db " + path +
+                                                     " creates the demo database in a new file");
+  }
   return connection;
+}
+
+void InitDemoDatabase(const std::string& path) {
+  if (path.empty() || path == ":memory:") {
+    throw VbError(vberr::kInvalidProcedureCall, "init-db needs the path of a new database file");
+  }
+  if (std::ifstream(path).good()) {
+    throw VbError(vberr::kInvalidProcedureCall,
+                  path +
+                      " already exists; init-db creates a new database and leaves an "
+                      "existing file alone");
+  }
+  try {
+    db::Connection connection;
+    connection.SetConnectionString(DemoConnectionString(path) + ";Mode=ReadWriteCreate");
+    connection.Open();
+    CreateDemoDatabase(connection);
+    connection.Close();
+  } catch (...) {
+    std::remove(path.c_str());  // no half-built database left behind
+    throw;
+  }
 }
 
 }  // namespace zarvik::demo

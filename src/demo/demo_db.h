@@ -67,12 +67,15 @@ void CreateDemoDatabase(db::Connection& open_connection);
 // True when the database behind the open connection holds no table yet.
 bool IsEmptyDatabase(db::Connection& open_connection);
 
-// Opens "Provider=SQLite;Data Source=PATH" with client-side cursors and
-// creates the demo database when the database is new or empty (then
-// *created, when given, is set to true). ":memory:" gives a private
-// database that lives as long as the connection. Raises VbError.
-std::shared_ptr<db::Connection> OpenDemoDatabase(const std::string& path = ":memory:",
-                                                 bool* created = nullptr);
+// Opens the demo database with client-side cursors: ":memory:" builds a
+// private one that lives as long as the connection; any other path must be
+// a database that zarvik init-db created (a missing file or one without
+// tables raises VbError).
+std::shared_ptr<db::Connection> OpenDemoDatabase(const std::string& path = ":memory:");
+
+// Creates the demo database in the new file `path`. An existing file is left
+// alone (VbError 5); a failure removes the file it began.
+void InitDemoDatabase(const std::string& path);
 
 // The connection string of the embedded engine for a database file.
 std::string DemoConnectionString(const std::string& path);

@@ -1,4 +1,5 @@
-// The SQL of the embedded demo database (demo/*.sql, compiled in).
+// The SQL of the embedded demo database (demo/schema.sql and demo/data.sql,
+// compiled in).
 #ifndef ZARVIK_DEMO_DEMO_SQL_H_
 #define ZARVIK_DEMO_DEMO_SQL_H_
 
@@ -7,11 +8,11 @@
 namespace zarvik::demo {
 
 struct SqlFile {
-  const char* name;  // file name, e.g. "10_schema.sql"
+  const char* name;  // file name, e.g. "schema.sql"
   const char* text;
 };
 
-// All files, in file-name order: running them in this order on an empty
+// All files, the schema first: running them in this order on an empty
 // SQLite database creates the demo database.
 const std::vector<SqlFile>& DemoSqlFiles();
 

@@ -45,6 +45,8 @@ std::string VbErrorText(int32_t number) {
       return "Operation is not allowed when the object is closed.";
     case 3705:
       return "Operation is not allowed when the object is open.";
+    case 3706:
+      return "Provider cannot be found. It may not be properly installed.";
     case 3709:
       return "The connection cannot be used to perform this operation. It is either closed or "
              "invalid in this context.";

@@ -24,10 +24,11 @@ constexpr int32_t kNotSupported = 438;        // "Object doesn't support this pr
 constexpr int32_t kWrongArgCount =
     450;  // "Wrong number of arguments or invalid property assignment"
 // ADO errors (as VB shows them).
-constexpr int32_t kAdoItemNotFound = 3265;     // field or parameter name unknown
-constexpr int32_t kAdoNoCurrentRecord = 3021;  // BOF or EOF
-constexpr int32_t kAdoObjectClosed = 3704;     // operation on a closed object
-constexpr int32_t kAdoObjectOpen = 3705;       // operation on an open object
+constexpr int32_t kAdoItemNotFound = 3265;      // field or parameter name unknown
+constexpr int32_t kAdoNoCurrentRecord = 3021;   // BOF or EOF
+constexpr int32_t kAdoObjectClosed = 3704;      // operation on a closed object
+constexpr int32_t kAdoObjectOpen = 3705;        // operation on an open object
+constexpr int32_t kAdoProviderNotFound = 3706;  // unknown Provider= of a connection string
 constexpr int32_t kAdoConnectionUnusable = 3709;
 constexpr int32_t kAdoArgumentsWrong = 3001;  // "Arguments are of the wrong type..."
 // Provider failure (DB_E_ERRORSINCOMMAND): the provider's own message follows.

@@ -104,7 +104,7 @@ TEST(ConnectionTest, ProviderErrorsCarryNumberMessageAndStatement) {
 
 TEST(ConnectionTest, CommandTimeoutBoundsTheWaitForALock) {
   const TempDbFile file("lock");
-  const std::string source = "Provider=SQLite;Data Source=" + file.path();
+  const std::string source = "Provider=SQLite;Mode=ReadWriteCreate;Data Source=" + file.path();
   auto holder = OpenConnection(source);
   holder->Execute("CREATE TABLE T (A INTEGER); BEGIN EXCLUSIVE; INSERT INTO T VALUES (1);");
   Connection waiter;
@@ -144,6 +144,50 @@ TEST(ConnectionTest, StatementLogRecordsTheTextAsSent) {
   connection.Execute("SELECT 4");
   EXPECT_EQ(second->statements, std::vector<std::string>{"SELECT 3"});
   EXPECT_EQ(log->statements.size(), 3u);
+}
+
+// Text columns declared with the TSQL collation compare as on SQL Server:
+// case and trailing blanks do not count, in '=', ORDER BY, GROUP BY and
+// indexes alike.
+TEST(ConnectionTest, TsqlCollationIgnoresCaseAndTrailingBlanks) {
+  auto connection =
+      OpenConnection(kMemory,
+                     "CREATE TABLE T (C TEXT COLLATE TSQL PRIMARY KEY, N INTEGER);"
+                     "INSERT INTO T VALUES ('AG12   ', 1), ('b', 2), ('Abc', 3), ('\xc3\xa0', 4);");
+  struct Case {
+    const char* where;
+    int32_t count;
+  };
+  for (const Case& c :
+       {Case{"C = 'ag12'", 1}, Case{"C = 'AG12 '", 1}, Case{"C = ' AG12'", 0}, Case{"C = 'B  '", 1},
+        Case{"C > 'ab'", 4}, Case{"C = 'ABC'", 1}, Case{"C = '\xc3\x80'", 0}}) {
+    EXPECT_EQ(connection->Execute(std::string("SELECT COUNT(*) FROM T WHERE ") + c.where)
+                  ->Fields(0)
+                  .ToLong(),
+              c.count)
+        << c.where;
+  }
+  EXPECT_EQ(connection->Execute("SELECT GROUP_CONCAT(N) FROM (SELECT N FROM T ORDER BY C)")
+                ->Fields(0)
+                .ToString(),
+            "3,1,2,4");
+  // The key is unique without regard to case and trailing blanks.
+  EXPECT_EQ(ErrorOf([&] { connection->Execute("INSERT INTO T VALUES ('ag12', 5)"); }),
+            vberr::kProviderError);
+}
+
+TEST(ConnectionTest, GetdateIsTheLocalClock) {
+  const std::string now = OpenConnection()
+                              ->Execute("SELECT CONVERT(varchar(19), GETDATE(), 120)")
+                              ->Fields(0)
+                              .ToString();
+  ASSERT_EQ(now.size(), 19u) << now;
+  const std::string after =
+      OpenConnection()
+          ->Execute("SELECT strftime('%Y-%m-%d %H:%M:%S', 'now', 'localtime')")
+          ->Fields(0)
+          .ToString();
+  EXPECT_LE(now, after);
 }
 
 TEST(ConnectionTest, LateBoundMembers) {

@@ -3,17 +3,19 @@
 #define ZARVIK_TESTS_DB_DB_TEST_SUPPORT_H_
 
 #include <gtest/gtest.h>
-#include <sql.h>
-#include <sqlext.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "db/command.h"
 #include "db/connection.h"
+#include "db/odbc_backend.h"
 #include "platform/platform_test_support.h"
 
 namespace zarvik::db {
@@ -22,7 +24,7 @@ using test::CaughtError;
 using test::ErrorOf;
 
 inline const char kMemory[] = "Provider=SQLite;Data Source=:memory:";
-// The SQLite ODBC driver as Debian's libsqliteodbc registers it.
+// The SQLite ODBC driver under the name Debian's libsqliteodbc gives it.
 inline const char kOdbcDriver[] = "SQLite3";
 
 // An open connection to `connection_string`, optionally running `script`.
@@ -46,22 +48,25 @@ inline Command StoredProc(const std::string& name, std::shared_ptr<Connection> c
   return command;
 }
 
-// Whether the driver manager knows kOdbcDriver.
+// Registers the SQLite ODBC driver as kOdbcDriver in an odbcinst.ini of the
+// tests' own (ODBCSYSINI), so that they need no system-wide registration;
+// answers whether the driver manager then knows the driver. Call it before
+// any other ODBC call of the process.
 inline bool OdbcDriverInstalled() {
-  SQLHENV env = SQL_NULL_HENV;
-  if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env))) return false;
-  SQLSetEnvAttr(env, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
-  bool found = false;
-  SQLCHAR name[256], attributes[1024];
-  SQLSMALLINT name_length = 0, attributes_length = 0;
-  SQLUSMALLINT direction = SQL_FETCH_FIRST;
-  while (SQL_SUCCEEDED(SQLDrivers(env, direction, name, sizeof name, &name_length, attributes,
-                                  sizeof attributes, &attributes_length))) {
-    found = found || std::string(reinterpret_cast<const char*>(name)) == kOdbcDriver;
-    direction = SQL_FETCH_NEXT;
+#ifdef ZARVIK_SQLITE_ODBC_DRIVER
+  const std::string dir = ::testing::TempDir() + "zarvik_odbcinst_" + std::to_string(getpid());
+  ::mkdir(dir.c_str(), 0700);
+  {
+    std::ofstream ini(dir + "/odbcinst.ini", std::ios::trunc);
+    ini << "[" << kOdbcDriver << "]\nDescription=SQLite3 ODBC driver for the tests\n"
+        << "Driver=" << ZARVIK_SQLITE_ODBC_DRIVER << "\n";
   }
-  SQLFreeHandle(SQL_HANDLE_ENV, env);
-  return found;
+  ::setenv("ODBCSYSINI", dir.c_str(), 1);
+#endif
+  for (const std::string& name : InstalledOdbcDrivers()) {
+    if (name == kOdbcDriver) return true;
+  }
+  return false;
 }
 
 // A database file of the running test's own, removed before and after.

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "db/backend.h"
 #include "db/db_test_support.h"
 #include "db/odbc_support.h"
 #include "demo/demo_db.h"
@@ -36,20 +37,17 @@ class OdbcBackendTest : public ::testing::Test {
 
   void CreateRoutines() {
     for (const char* sql :
-         {"CREATE TABLE ZARVIK_ROUTINES (NAME TEXT PRIMARY KEY, KIND TEXT NOT NULL, "
-          "PARAMS TEXT NOT NULL, BODY TEXT NOT NULL)",
+         {"CREATE TABLE ZARVIK_ROUTINES (ROUTINE_NAME TEXT PRIMARY KEY, ROUTINE_BODY TEXT NOT "
+          "NULL)",
           "CREATE TABLE RIGHTS (ID INTEGER, CODE VARCHAR(20), GRANTED SMALLINT)",
           "INSERT INTO RIGHTS VALUES (7, 'O''Brien', 0)",
           "INSERT INTO RIGHTS VALUES (8, 'O''Brien', 1)",
-          "INSERT INTO ZARVIK_ROUTINES VALUES ('SPTEST_Rights', 'PROCEDURE', "
-          "'@Id INT IN, @Code VARCHAR IN, @Granted SMALLINT OUT, @Echo VARCHAR OUT', "
+          "INSERT INTO ZARVIK_ROUTINES VALUES ('SPTEST_Rights', "
           "'SELECT COALESCE((SELECT GRANTED FROM RIGHTS WHERE ID = :Id AND CODE = :Code), 1) "
           "AS Granted, :Code || ''/'' || :Id AS echo')",
-          "INSERT INTO ZARVIK_ROUTINES VALUES ('SPTEST_List', 'PROCEDURE', '@Min INT IN', "
+          "INSERT INTO ZARVIK_ROUTINES VALUES ('SPTEST_List', "
           "'SELECT ID FROM RIGHTS WHERE ID >= :Min ORDER BY ID')",
-          "INSERT INTO ZARVIK_ROUTINES VALUES ('SPTEST_Echo', 'PROCEDURE', "
-          "'@When DATETIME IN, @Text VARCHAR OUT', 'SELECT :When AS Text')",
-          "INSERT INTO ZARVIK_ROUTINES VALUES ('SPTEST_Fn', 'FUNCTION', '@A INT', 'SELECT :A')"}) {
+          "INSERT INTO ZARVIK_ROUTINES VALUES ('SPTEST_Echo', 'SELECT :When AS Text')"}) {
       backend_->Execute(sql);
     }
   }
@@ -134,12 +132,13 @@ TEST_F(OdbcBackendTest, ErrorsCarrySqlstateNativeErrorAndText) {
 
   const std::vector<std::pair<std::string, const char*>> bad_connections = {
       {"Driver=NoSuchDriverZarvik;Database=/tmp/x.db", "[01000] (native 0) "},
-      {"Provider=SQLOLEDB;Data Source=server;Initial Catalog=erp", "[IM002] (native 0) "},
+      // Mapped to an SQL Server ODBC driver, which this machine lacks.
+      {"Provider=SQLOLEDB;Data Source=server;Initial Catalog=erp", "[01000] (native 0) "},
       {std::string("Driver=") + kOdbcDriver + ";Database=/nonexistent-zarvik-dir/x.db",
        "[HY000] (native "}};
   for (const auto& [connection, prefix] : bad_connections) {
     SCOPED_TRACE(connection);
-    const VbError error = CaughtError([&] { OpenOdbcBackend(connection, 2); });
+    const VbError error = CaughtError([&] { OpenBackend(connection, 2); });
     EXPECT_EQ(error.Number(), vberr::kProviderConnectFailed);
     EXPECT_EQ(error.Description().rfind(prefix, 0), 0u) << error.Description();
   }
@@ -191,15 +190,30 @@ TEST_F(OdbcBackendTest, UnknownProceduresAreReported) {
   EXPECT_EQ(error.Description().rfind("[", 0), 0u) << error.Description();
   EXPECT_NE(error.Description().find("(native "), std::string::npos) << error.Description();
   CreateRoutines();
-  // A FUNCTION row is not a procedure.
-  for (const std::string name : {"SPTEST_Nope", "SPTEST_Fn"}) {
-    std::vector<ParameterInfo> none;
-    const VbError e = CaughtError([&] { backend_->CallProcedure(name, none); });
-    EXPECT_EQ(e.Number(), vberr::kProviderError);
-    EXPECT_NE(e.Description().find("Could not find stored procedure '" + name + "'."),
-              std::string::npos)
-        << e.Description();
-  }
+  std::vector<ParameterInfo> none;
+  const VbError e = CaughtError([&] { backend_->CallProcedure("SPTEST_Nope", none); });
+  EXPECT_EQ(e.Number(), vberr::kProviderError);
+  EXPECT_NE(e.Description().find("Could not find stored procedure 'SPTEST_Nope'."),
+            std::string::npos)
+      << e.Description();
+}
+
+// Closing disconnects: nothing runs on a closed connection, and opening it
+// again finds what was written before.
+TEST_F(OdbcBackendTest, ClosedConnectionRefusesWorkAndReopens) {
+  backend_.reset();
+  auto connection =
+      OpenConnection(std::string("Driver=") + kOdbcDriver + ";Database=" + file_.path(),
+                     "CREATE TABLE T (A INTEGER); INSERT INTO T VALUES (4)");
+  connection->Close();
+  EXPECT_EQ(connection->State(), kStateClosed);
+  EXPECT_EQ(ErrorOf([&] { connection->Execute("SELECT A FROM T"); }),
+            vberr::kAdoConnectionUnusable);
+  EXPECT_EQ(ErrorOf([&] { StoredProc("SPTEST_List", connection).Execute(); }),
+            vberr::kAdoConnectionUnusable);
+  EXPECT_EQ(ErrorOf([&] { connection->Close(); }), vberr::kAdoObjectClosed);
+  connection->Open();
+  EXPECT_EQ(connection->Execute("SELECT A FROM T")->Fields("A").ToLong(), 4);
 }
 
 // A value as text for comparing the two engines: the embedded engine hands

@@ -1,5 +1,5 @@
 // Functions and stored procedures of the ZARVIK_ROUTINES table, reached
-// through Connection and Command.
+// through Connection and Command on the embedded engine.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -15,100 +15,112 @@
 namespace zarvik::db {
 namespace {
 
+using D = ParameterDirection;
+
 // A transfer is revoked when a row of TRASF names both warehouses; the
 // account procedure reads ACCOUNTS (missing row: everything allowed).
 const char kRoutines[] =
-    "CREATE TABLE ZARVIK_ROUTINES (NAME TEXT PRIMARY KEY, KIND TEXT NOT NULL, PARAMS TEXT NOT "
-    "NULL, BODY TEXT NOT NULL);\n"
+    "CREATE TABLE ZARVIK_ROUTINES (ROUTINE_NAME TEXT PRIMARY KEY, ROUTINE_BODY TEXT NOT NULL);\n"
     "CREATE TABLE TRASF (DITTA INTEGER, UTENTE INTEGER, ORIG TEXT, DEST TEXT);\n"
     "INSERT INTO TRASF VALUES (1, 5, 'A1', 'B2');\n"
     "CREATE TABLE ACCOUNTS (UTENTE INTEGER, GRUPPO INTEGER, CONTO TEXT, ABIL INTEGER, VIS "
     "INTEGER);\n"
     "INSERT INTO ACCOUNTS VALUES (5, 12, '0100', 0, 1);\n"
-    "INSERT INTO ZARVIK_ROUTINES VALUES ('FNFW_TRASFREVOCATI', 'FUNCTION', '@Ditta INT, "
-    "@IdUtente INT, @DepOrig VARCHAR, @DepDest VARCHAR', 'SELECT 1 FROM TRASF WHERE DITTA = "
-    ":Ditta AND UTENTE = :IdUtente AND ORIG = :DepOrig AND DEST = :DepDest');\n"
-    "INSERT INTO ZARVIK_ROUTINES VALUES ('KVL_GETDATE', 'FUNCTION', '', 'SELECT "
-    "''2024-03-01 10:20:30''');\n"
-    "INSERT INTO ZARVIK_ROUTINES VALUES ('SPFW_GetInfoRevokeContoPDC', 'PROCEDURE', '@IdUtente "
-    "INT IN, @GruppoPDC SMALLINT IN, @ContoPDC VARCHAR(20) IN, @canAbilitato INT OUT, "
-    "@canVisualizza INT OUT', 'SELECT IFNULL(MAX(ABIL), 1) AS canAbilitato, IFNULL(MAX(VIS), 1) "
-    "AS canVisualizza FROM ACCOUNTS WHERE UTENTE = :IdUtente AND GRUPPO = :GruppoPDC AND CONTO = "
-    ":ContoPDC');\n"
-    "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_DOUBLE', 'procedure', '@X FLOAT INOUT, @D DATETIME "
-    "IN, @Flag INT OUT', 'SELECT :X * 2 AS X, :D AS Flag');\n"
-    "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_ROWS', 'PROCEDURE', '@N INT', 'SELECT :N AS A UNION "
-    "ALL SELECT :N + 1');\n";
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('FNFW_TRASFREVOCATI', 'SELECT 1 FROM TRASF WHERE "
+    "DITTA = ?1 AND UTENTE = ?2 AND ORIG = ?3 AND DEST = ?4');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('KVL_GETDATE', 'SELECT ''2024-03-01 10:20:30''');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('SPFW_GetInfoRevokeContoPDC', 'SELECT "
+    "IFNULL(MAX(ABIL), 1) AS canAbilitato, IFNULL(MAX(VIS), 1) AS canVisualizza FROM ACCOUNTS "
+    "WHERE UTENTE = :IdUtente AND GRUPPO = :GruppoPDC AND CONTO = :ContoPDC');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_DOUBLE', 'SELECT :X * 2 AS X, :D AS Flag');\n"
+    "INSERT INTO ZARVIK_ROUTINES VALUES ('SP_ROWS', 'SELECT :N AS A UNION ALL SELECT :N + 1 "
+    "WHERE :N IS NOT NULL');\n";
 
 const char kAccounts[] = "SPFW_GetInfoRevokeContoPDC";
 
 std::shared_ptr<Connection> OpenWithRoutines() { return OpenConnection(kMemory, kRoutines); }
 
-Variant TransferRevoked(Connection& connection, const std::string& orig, const std::string& dest) {
-  return connection.Execute("SELECT dbo.FNFW_TRASFREVOCATI (1, 5, '" + orig + "', '" + dest + "')")
-      ->Fields(0);
+Variant Scalar(Connection& connection, const std::string& sql) {
+  return connection.Execute(sql)->Fields(0);
 }
 
-TEST(RoutinesTest, FunctionsCreatedByAScriptOrLaterAreCallable) {
+// Every way a host writes the call reaches the same function; the
+// arguments bind to ?1..?4 in order; no row gives NULL.
+TEST(RoutinesTest, EveryRowIsAFunctionUnderEveryNameForm) {
   auto connection = OpenWithRoutines();
-  EXPECT_EQ(TransferRevoked(*connection, "A1", "B2").ToLong(), 1);
-  EXPECT_TRUE(TransferRevoked(*connection, "B2", "A1").IsNull());  // no row: NULL
-  // Names are case-insensitive; arguments bind by declared position.
-  auto rs =
-      connection->Execute("SELECT fnfw_trasfrevocati(DITTA, UTENTE, ORIG, DEST) AS R FROM TRASF");
-  EXPECT_EQ(rs->Fields("R").ToLong(), 1);
-  connection->Execute(
-      "INSERT INTO ZARVIK_ROUTINES VALUES ('FN_TWICE', 'FUNCTION', '@V INT', 'SELECT :V * 2')");
-  EXPECT_EQ(connection->Execute("SELECT FN_TWICE(21) AS V")->Fields("V").ToLong(), 42);
+  for (const char* name :
+       {"FNFW_TRASFREVOCATI", "dbo.FNFW_TRASFREVOCATI", "[dbo].[FNFW_TRASFREVOCATI]",
+        "DBO.fnfw_trasfrevocati", "[dbo].FNFW_TRASFREVOCATI"}) {
+    EXPECT_EQ(Scalar(*connection, std::string("SELECT ") + name + " (1, 5, 'A1', 'B2')").ToLong(),
+              1)
+        << name;
+    EXPECT_TRUE(Scalar(*connection, std::string("SELECT ") + name + "(1, 5, 'B2', 'A1')").IsNull())
+        << name;
+  }
+  EXPECT_EQ(Scalar(*connection, "SELECT fnfw_trasfrevocati(DITTA, UTENTE, ORIG, DEST) FROM TRASF")
+                .ToLong(),
+            1);
+  // A row added later is callable at once.
+  connection->Execute("INSERT INTO ZARVIK_ROUTINES VALUES ('FN_TWICE', 'SELECT ?1 * 2')");
+  EXPECT_EQ(Scalar(*connection, "SELECT dbo.FN_TWICE(21)").ToLong(), 42);
 }
 
 TEST(RoutinesTest, FunctionsAreRegisteredWhenAFileDatabaseOpens) {
   const TempDbFile file("routines");
-  const std::string source = "Provider=SQLite;Data Source=" + file.path();
+  const std::string source = "Provider=SQLite;Mode=ReadWriteCreate;Data Source=" + file.path();
   OpenConnection(source, kRoutines)->Close();
-  auto connection = OpenConnection(source);
-  EXPECT_EQ(TransferRevoked(*connection, "A1", "B2").ToLong(), 1);
+  auto connection = OpenConnection("Provider=SQLite;Data Source=" + file.path());
+  EXPECT_EQ(Scalar(*connection, "SELECT dbo.FNFW_TRASFREVOCATI(1, 5, 'A1', 'B2')").ToLong(), 1);
   auto rs = connection->Execute(
       " INSERT INTO TRASF (DITTA, ORIG)  VALUES  (9, [dbo].[KVL_GETDATE]()) ;"
       "SELECT ORIG FROM TRASF WHERE DITTA = 9");
   EXPECT_EQ(rs->Fields("ORIG").ToString(), "2024-03-01 10:20:30");
 }
 
-TEST(RoutinesTest, RoutineErrorsAreProviderErrors) {
+TEST(RoutinesTest, FunctionErrorsAreProviderErrorsNamingTheFunction) {
   auto connection = OpenWithRoutines();
-  connection->Execute(
-      "INSERT INTO ZARVIK_ROUTINES VALUES ('FN_BROKEN', 'FUNCTION', '@V INT', 'SELECT :V FROM "
-      "NOSUCH'), ('SP_BAD', 'PROCEDURE', '@A GEOGRAPHY IN', 'SELECT 1')");
-  VbError e = CaughtError([&] { connection->Execute("SELECT FN_BROKEN(1)"); });
-  EXPECT_EQ(e.Number(), vberr::kProviderError);
-  EXPECT_NE(e.Description().find("FN_BROKEN"), std::string::npos) << e.Description();
-  EXPECT_NE(e.Description().find("no such table: NOSUCH"), std::string::npos) << e.Description();
-  // Wrong number of arguments, an unknown function, a bad parameter list.
-  EXPECT_EQ(ErrorOf([&] { connection->Execute("SELECT FNFW_TRASFREVOCATI(1)"); }),
-            vberr::kProviderError);
-  EXPECT_EQ(ErrorOf([&] { connection->Execute("SELECT FN_NOPE(1)"); }), vberr::kProviderError);
-  e = CaughtError([&] { connection->OpenBackendOrThrow().DescribeProcedure("SP_BAD"); });
-  EXPECT_EQ(e.Number(), vberr::kProviderError);
-  EXPECT_NE(e.Description().find("@A GEOGRAPHY IN"), std::string::npos) << e.Description();
+  connection->Execute("INSERT INTO ZARVIK_ROUTINES VALUES ('FN_BROKEN', 'SELECT ?1 FROM NOSUCH')");
+  struct Case {
+    const char* sql;
+    const char* says;
+  };
+  for (const Case& c : {Case{"SELECT FN_BROKEN(1)", "no such table: NOSUCH"},
+                        Case{"SELECT FNFW_TRASFREVOCATI(1)", "takes 4 argument(s), called with 1"},
+                        Case{"SELECT FN_NOPE(1)", "no such function: FN_NOPE"}}) {
+    const VbError e = CaughtError([&] { connection->Execute(c.sql); });
+    EXPECT_EQ(e.Number(), vberr::kProviderError) << c.sql;
+    EXPECT_NE(e.Description().find(c.says), std::string::npos) << e.Description();
+  }
 }
 
-// Looked up without regard to case or the schema prefix; the direction
-// defaults to IN.
-TEST(RoutinesTest, ProcedureDescriptionFollowsParams) {
-  const std::vector<ParameterInfo> params =
-      OpenWithRoutines()->OpenBackendOrThrow().DescribeProcedure("[dbo].[sp_double]");
-  ASSERT_EQ(params.size(), 3u);
-  const std::vector<std::string> names = {"@X", "@D", "@Flag"};
-  const std::vector<int> types = {adtype::kDouble, adtype::kDate, adtype::kInteger};
-  const std::vector<ParameterDirection> directions = {
-      ParameterDirection::kInputOutput, ParameterDirection::kInput, ParameterDirection::kOutput};
-  for (size_t i = 0; i < params.size(); ++i) {
-    EXPECT_EQ(params[i].name, names[i]);
-    EXPECT_EQ(params[i].type, types[i]) << names[i];
-    EXPECT_EQ(params[i].direction, directions[i]) << names[i];
+// Inputs come from the body's :Name parameters, outputs from its result
+// columns; a name in both is input-output. Looked up without regard to
+// case or the schema prefix.
+TEST(RoutinesTest, ProcedureDescriptionComesFromTheBody) {
+  auto connection = OpenWithRoutines();
+  struct Expected {
+    const char* name;
+    D direction;
+  };
+  const std::vector<std::pair<std::string, std::vector<Expected>>> cases = {
+      {"[dbo].[sp_double]", {{"@X", D::kInputOutput}, {"@D", D::kInput}, {"@Flag", D::kOutput}}},
+      {kAccounts,
+       {{"@IdUtente", D::kInput},
+        {"@GruppoPDC", D::kInput},
+        {"@ContoPDC", D::kInput},
+        {"@canAbilitato", D::kOutput},
+        {"@canVisualizza", D::kOutput}}},
+  };
+  for (const auto& [procedure, expected] : cases) {
+    const std::vector<ParameterInfo> params =
+        connection->OpenBackendOrThrow().DescribeProcedure(procedure);
+    ASSERT_EQ(params.size(), expected.size()) << procedure;
+    for (size_t i = 0; i < params.size(); ++i) {
+      EXPECT_EQ(params[i].name, expected[i].name) << procedure;
+      EXPECT_EQ(params[i].direction, expected[i].direction) << params[i].name;
+      EXPECT_EQ(params[i].type, adtype::kVariant) << params[i].name;
+    }
   }
-  EXPECT_EQ(OpenWithRoutines()->OpenBackendOrThrow().DescribeProcedure("SP_ROWS")[0].direction,
-            ParameterDirection::kInput);
 }
 
 TEST(RoutinesTest, CommandDescribesBindsAndReadsOutputs) {
@@ -146,34 +158,30 @@ TEST(RoutinesTest, InOutAndDateParameters) {
   EXPECT_EQ(command.Parameters("@Flag").Value().ToString(), "2024-03-01");
 }
 
-TEST(RoutinesTest, ProcedureWithoutOutputsReturnsItsRows) {
+// Declared explicitly (as for a driver that cannot describe): only inputs
+// bind, an output without a column of its name is NULL, and a procedure
+// without outputs returns its rows.
+TEST(RoutinesTest, ExplicitParametersAndProcedureRows) {
   auto connection = OpenWithRoutines();
-  Command command = StoredProc("SP_ROWS", connection);
-  command.Parameters("@N").SetValue(Variant(int32_t{7}));
-  auto rs = command.Execute();
-  ASSERT_EQ(rs->State(), kStateOpen);
-  EXPECT_EQ(rs->RecordCount(), 2);
-  EXPECT_EQ(rs->Fields("A").ToLong(), 7);
-  // Called by name through the connection, without parameters.
-  EXPECT_TRUE(connection->Execute("SP_ROWS", kCmdStoredProc)->Fields("A").IsNull());
-  // A text command runs on the connection.
-  Command text;
-  text.SetCommandType(static_cast<int>(kCmdText));
-  text.SetCommandText("SELECT COUNT(*) AS N FROM TRASF");
-  text.SetActiveConnection(connection);
-  EXPECT_EQ(text.Execute()->Fields("N").ToLong(), 1);
-}
-
-TEST(RoutinesTest, ExplicitParametersAreNotDescribed) {
-  Command command = StoredProc(kAccounts, OpenWithRoutines());
-  using D = ParameterDirection;
+  Command command = StoredProc(kAccounts, connection);
   command.AppendParameter({"@IdUtente", adtype::kInteger, D::kInput, Variant(int32_t{5})});
   command.AppendParameter({"@GruppoPDC", adtype::kSmallInt, D::kInput, Variant(int16_t{12})});
   command.AppendParameter({"@ContoPDC", adtype::kVarChar, D::kInput, Variant("0100")});
   command.AppendParameter({"@canAbilitato", adtype::kInteger, D::kOutput, Variant()});
+  command.AppendParameter({"@Other", adtype::kInteger, D::kOutput, Variant(int32_t{3})});
   command.Execute();
   EXPECT_EQ(command.Parameters("@canAbilitato").Value().ToLong(), 0);
+  EXPECT_TRUE(command.Parameters("@Other").Value().IsNull());
   EXPECT_EQ(ErrorOf([&] { command.Parameters("@canVisualizza"); }), vberr::kAdoItemNotFound);
+
+  Command rows = StoredProc("SP_ROWS", connection);
+  rows.AppendParameter({"@N", adtype::kInteger, D::kInput, Variant(int32_t{7})});
+  auto rs = rows.Execute();
+  ASSERT_EQ(rs->State(), kStateOpen);
+  EXPECT_EQ(rs->RecordCount(), 2);
+  EXPECT_EQ(rs->Fields("A").ToLong(), 7);
+  // Called by name through the connection, without parameters: :N is NULL.
+  EXPECT_TRUE(connection->Execute("SP_ROWS", kCmdStoredProc)->Fields("A").IsNull());
 }
 
 TEST(RoutinesTest, CommandErrors) {
@@ -186,13 +194,15 @@ TEST(RoutinesTest, CommandErrors) {
   auto connection = OpenWithRoutines();
   Command command = StoredProc(kAccounts, connection);
   EXPECT_EQ(ErrorOf([&] { command.Parameters("@Nope"); }), vberr::kAdoItemNotFound);
-  // A FUNCTION row is no procedure.
-  for (const std::string missing : {"SP_NOPE", "FNFW_TRASFREVOCATI"}) {
-    Command unknown = StoredProc(missing, connection);
-    const VbError e = CaughtError([&] { unknown.Parameters("@X"); });
-    EXPECT_EQ(e.Number(), vberr::kProviderError) << missing;
-    EXPECT_EQ(e.Description(), "Could not find stored procedure '" + missing + "'.");
-  }
+  Command unknown = StoredProc("SP_NOPE", connection);
+  const VbError e = CaughtError([&] { unknown.Parameters("@X"); });
+  EXPECT_EQ(e.Number(), vberr::kProviderError);
+  EXPECT_EQ(e.Description(), "Could not find stored procedure 'SP_NOPE'.");
+  // A body SQLite cannot prepare names the procedure.
+  connection->Execute("INSERT INTO ZARVIK_ROUTINES VALUES ('SP_BAD', 'SELECT FROM')");
+  const VbError bad = CaughtError([&] { connection->Execute("SP_BAD", kCmdStoredProc); });
+  EXPECT_EQ(bad.Number(), vberr::kProviderError);
+  EXPECT_NE(bad.Description().find("procedure SP_BAD"), std::string::npos) << bad.Description();
   // Without a routines table at all.
   EXPECT_EQ(ErrorOf([] { OpenConnection()->Execute("SP_ROWS", kCmdStoredProc); }),
             vberr::kProviderError);

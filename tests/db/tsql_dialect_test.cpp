@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 
 namespace zarvik::db {
@@ -16,6 +17,9 @@ struct Case {
   std::string tsql;
   std::string sqlite;
 };
+
+// Names the case in test output instead of dumping its bytes.
+void PrintTo(const Case& c, std::ostream* out) { *out << c.what; }
 
 class TranslateTest : public ::testing::TestWithParam<Case> {};
 
@@ -100,8 +104,28 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"CONVERT inside CONVERT",
              "SELECT CONVERT(VARCHAR(10), CONVERT(DECIMAL(5,2), ISNULL(X, 0))) FROM T",
              "SELECT CAST(CAST(IFNULL(X, 0) AS NUMERIC) AS TEXT) FROM T"},
+        Case{"GETDATE in any case and spacing, and inside CONVERT",
+             "SELECT GETDATE(), getdate ( ), CONVERT(varchar(10), GETDATE(), 120) FROM T",
+             "SELECT strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime'), strftime('%Y-%m-%d "
+             "%H:%M:%f', 'now', 'localtime'), substr(strftime('%Y-%m-%d %H:%M:%S', "
+             "strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime')), 1, 10) FROM T"},
+        Case{"GETDATE without its parentheses is a name", "SELECT GETDATE FROM T",
+             "SELECT GETDATE FROM T"},
         Case{"unknown CONVERT target is left alone", "SELECT CONVERT(UNIQUEIDENTIFIER, X) FROM T",
              "SELECT CONVERT(UNIQUEIDENTIFIER, X) FROM T"}));
+
+TEST(TranslationCacheTest, KeepsEachTextOnceAndStartsAfreshWhenFull) {
+  TsqlTranslationCache cache(2);
+  const std::string a = "SELECT TOP 1 A FROM T";
+  EXPECT_EQ(cache.Translate(a), "SELECT A FROM T LIMIT 1");
+  EXPECT_EQ(cache.Translate(a), "SELECT A FROM T LIMIT 1");
+  EXPECT_EQ(cache.size(), 1u);
+  EXPECT_EQ(cache.Translate("SELECT ISNULL(B, 0) FROM U"), "SELECT IFNULL(B, 0) FROM U");
+  EXPECT_EQ(cache.size(), 2u);
+  EXPECT_EQ(cache.Translate("SELECT [C] FROM V"), "SELECT \"C\" FROM V");
+  EXPECT_EQ(cache.size(), 1u);
+  EXPECT_EQ(cache.Translate(a), "SELECT A FROM T LIMIT 1");
+}
 
 }  // namespace
 }  // namespace zarvik::db

@@ -96,26 +96,5 @@ TEST(DemoRoutines, AccountProcedureAnswersBothRights) {
   }
 }
 
-TEST(DemoRoutines, ProcedureDescribesItsParameters) {
-  const auto db = FreshDemo();
-  const auto params = db->OpenBackendOrThrow().DescribeProcedure("SPFW_GetInfoRevokeContoPDC");
-  using D = db::ParameterDirection;
-  const struct {
-    const char* name;
-    D direction;
-    int type;
-  } expected[] = {{"@IdUtente", D::kInput, db::adtype::kInteger},
-                  {"@GruppoPDC", D::kInput, db::adtype::kSmallInt},
-                  {"@ContoPDC", D::kInput, db::adtype::kVarChar},
-                  {"@canAbilitato", D::kOutput, db::adtype::kInteger},
-                  {"@canVisualizza", D::kOutput, db::adtype::kInteger}};
-  ASSERT_EQ(params.size(), 5u);
-  for (size_t i = 0; i < params.size(); ++i) {
-    EXPECT_EQ(params[i].name, expected[i].name);
-    EXPECT_EQ(params[i].direction, expected[i].direction) << expected[i].name;
-    EXPECT_EQ(params[i].type, expected[i].type) << expected[i].name;
-  }
-}
-
 }  // namespace
 }  // namespace zarvik::demo

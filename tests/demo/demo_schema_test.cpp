@@ -5,16 +5,20 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <map>
 #include <string>
 
 #include "demo/demo_sql.h"
 #include "demo_test_support.h"
+#include "platform/platform_test_support.h"
 #include "platform/vb_error.h"
 
 namespace zarvik::demo {
 namespace {
 
+using test::CaughtError;
+using test::ErrorOf;
 using testing::FirstColumn;
 using testing::FreshDemo;
 using testing::Scalar;
@@ -98,7 +102,7 @@ const ObjectColumns kComponentObjects[] = {
     {"PD0C_NODO", "PD0C_DITTA_CG18, PD0C_CODPROG_PD68, PD0C_CODNODO"},
     {"VPD0C_NODIPROG", "PD0C_DITTA_CG18, PD0C_CODPROG_PD68, PD0C_CODNODO"},
     {"PD90_SIMULAZIONI", "PD90_SIMULAZIONE"},
-    {"ZARVIK_ROUTINES", "NAME, KIND, PARAMS, BODY"},
+    {"ZARVIK_ROUTINES", "ROUTINE_NAME, ROUTINE_BODY"},
 };
 
 TEST(DemoSchema, EveryObjectTheComponentNamesHasItsColumns) {
@@ -162,10 +166,9 @@ TEST(DemoSchema, SeedDataIsReferentiallyConsistent) {
 
 TEST(DemoSchema, EmbeddedFilesComeInOrderAndRunStatementByStatement) {
   const auto& files = DemoSqlFiles();
-  ASSERT_EQ(files.size(), 3u);
-  EXPECT_STREQ(files[0].name, "10_schema.sql");
-  EXPECT_STREQ(files[1].name, "20_routines.sql");
-  EXPECT_STREQ(files[2].name, "30_data.sql");
+  ASSERT_EQ(files.size(), 2u);
+  EXPECT_STREQ(files[0].name, "schema.sql");
+  EXPECT_STREQ(files[1].name, "data.sql");
   for (const SqlFile& f : files) EXPECT_FALSE(SplitSqlScript(f.text).empty()) << f.name;
 }
 
@@ -184,35 +187,41 @@ TEST(DemoDatabase, CreatesOnlyAnEmptyDatabase) {
     ADD_FAILURE() << "a second creation must fail: the tables exist";
   } catch (const VbError& e) {
     EXPECT_EQ(e.Number(), vberr::kProviderError);
-    EXPECT_NE(e.Description().find("demo/10_schema.sql"), std::string::npos) << e.Description();
+    EXPECT_NE(e.Description().find("demo/schema.sql"), std::string::npos) << e.Description();
   }
   EXPECT_EQ(Scalar(*db, "SELECT COUNT(*) FROM FW07_APPUSER"), users);
 }
 
-TEST(DemoDatabase, FileDatabaseIsCreatedOnceAndReusedWithClientCursors) {
-  char name[] = "/tmp/zarvik_demo_XXXXXX";
-  const int fd = mkstemp(name);
-  ASSERT_GE(fd, 0);
-  close(fd);  // an empty file: a new database
-  const std::string path = name;
-  bool created = false;
+// init-db makes a new file once; opening needs a file it made.
+TEST(DemoDatabase, FileDatabaseIsInitialisedOnceAndReusedWithClientCursors) {
+  const std::string path =
+      ::testing::TempDir() + "zarvik_demo_init_" + std::to_string(getpid()) + ".db";
+  std::remove(path.c_str());
+  const VbError missing = CaughtError([&] { OpenDemoDatabase(path); });
+  EXPECT_NE(missing.Description().find("zarvik init-db"), std::string::npos)
+      << missing.Description();
+  EXPECT_FALSE(std::ifstream(path).good());  // not created by the attempt
+
+  InitDemoDatabase(path);
   {
-    const auto db = OpenDemoDatabase(path, &created);
-    EXPECT_TRUE(created);
+    const auto db = OpenDemoDatabase(path);
     db->Execute("UPDATE CG18_DITTE SET CG18_RAGSOC = 'changed' WHERE CG18_DITTA = 2", db::kCmdText);
-    db->Close();
   }
-  {
-    const auto db = OpenDemoDatabase(path, &created);
-    EXPECT_FALSE(created);
-    EXPECT_EQ(FirstColumn(*db, "SELECT CG18_RAGSOC FROM CG18_DITTE WHERE CG18_DITTA = 2"),
-              std::vector<std::string>{"changed"});
-    EXPECT_EQ(db->CursorLocation(), db::kUseClient);
-    const auto rs = db->Execute("SELECT * FROM FW07_APPUSER", db::kCmdText);
-    EXPECT_EQ(rs->RecordCount(), static_cast<int32_t>(DemoUsers().size()));
-    db->Close();
-  }
-  std::remove(name);
+  EXPECT_EQ(ErrorOf([&] { InitDemoDatabase(path); }), vberr::kInvalidProcedureCall);
+  const auto db = OpenDemoDatabase(path);
+  EXPECT_EQ(FirstColumn(*db, "SELECT CG18_RAGSOC FROM CG18_DITTE WHERE CG18_DITTA = 2"),
+            std::vector<std::string>{"changed"});
+  EXPECT_EQ(db->CursorLocation(), db::kUseClient);
+  EXPECT_EQ(db->Execute("SELECT * FROM FW07_APPUSER", db::kCmdText)->RecordCount(),
+            static_cast<int32_t>(DemoUsers().size()));
+  db->Close();
+  std::remove(path.c_str());
+
+  // An empty file is no demo database.
+  std::ofstream(path).close();
+  const VbError empty = CaughtError([&] { OpenDemoDatabase(path); });
+  EXPECT_NE(empty.Description().find("holds no tables"), std::string::npos) << empty.Description();
+  std::remove(path.c_str());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
--- Demo database: the host ERP tables and the revocation tables and views.
+-- Demo database: the host ERP tables, the revocation tables and views, and
+-- the routines the component calls.
 --
 -- Naming rule of the host schema: every column starts with the four-character
 -- code of its table, and a column that points to another table ends with that
@@ -673,3 +674,66 @@ CREATE TABLE FW33_RVKUSER (
   FW33_WINUSER TEXT NOT NULL DEFAULT '',
   FW33_DATAORA TEXT NOT NULL
 );
+
+
+------------------------------------------------------------------------------
+-- Routines
+------------------------------------------------------------------------------
+-- The embedded engine keeps the database's functions and stored procedures
+-- as rows: every row is callable as a function NAME(...) whose body takes
+-- the arguments as ?1..?n and answers the first column of its first row; a
+-- stored procedure runs the body with its parameters as :Name (without the
+-- @), and the columns of the first row are its output parameters.
+
+CREATE TABLE ZARVIK_ROUTINES (
+  ROUTINE_NAME TEXT PRIMARY KEY,
+  ROUTINE_BODY TEXT NOT NULL
+);
+
+-- FNFW_TRASFREVOCATI(company, user id, origin warehouse, destination
+-- warehouse): 1 when the transfer is revoked for the user, else 0. A transfer
+-- is revoked when either warehouse is revoked for the user in that company
+-- (a kind-6 revocation); a user who may not see one end may not move goods
+-- between the two. Codes are compared without trailing blanks.
+INSERT INTO ZARVIK_ROUTINES (ROUTINE_NAME, ROUTINE_BODY) VALUES (
+  'FNFW_TRASFREVOCATI',
+  'SELECT CASE WHEN EXISTS (SELECT 1 FROM VFW31_RVKPARAMETRI
+                             WHERE FW31_ID_FW07 = ?2
+                               AND FW31_INDTIPO = 6
+                               AND FW31_FLGABILITATO = 0
+                               AND FW31_DITTARAGG = ?1
+                               AND (RTRIM(FW31_CODTIPO) = RTRIM(?3)
+                                    OR RTRIM(FW31_CODTIPO) = RTRIM(?4)))
+              THEN 1 ELSE 0 END');
+
+-- KVL_GETDATE(): the current local date and time, YYYY-MM-DD HH:MM:SS.fff.
+INSERT INTO ZARVIK_ROUTINES (ROUTINE_NAME, ROUTINE_BODY) VALUES (
+  'KVL_GETDATE',
+  'SELECT strftime(''%Y-%m-%d %H:%M:%f'', ''now'', ''localtime'')');
+
+-- SPFW_GetInfoRevokeContoPDC(@IdUtente, @GruppoPDC, @ContoPDC): the rights
+-- of the user on one account of the chart of accounts (kind 26; the account
+-- group is the scope, the account code the code), as two output parameters.
+--   canAbilitato  0 when the account is revoked (FW31_FLGABILITATO = 0),
+--                 else 1: the user may post to it.
+--   canVisualizza 0 when the account is revoked or may not be changed
+--                 (FW31_FLGMODIFICA = 0), else 1. These are the accounts the
+--                 account conditions leave out when asked to exclude the
+--                 ones that cannot be shown.
+-- An account without a kind-26 row answers 1 and 1.
+INSERT INTO ZARVIK_ROUTINES (ROUTINE_NAME, ROUTINE_BODY) VALUES (
+  'SPFW_GetInfoRevokeContoPDC',
+  'SELECT CASE WHEN EXISTS (SELECT 1 FROM VFW31_RVKPARAMETRI
+                             WHERE FW31_ID_FW07 = :IdUtente
+                               AND FW31_INDTIPO = 26
+                               AND FW31_DITTARAGG = :GruppoPDC
+                               AND RTRIM(FW31_CODTIPO) = RTRIM(:ContoPDC)
+                               AND FW31_FLGABILITATO = 0)
+              THEN 0 ELSE 1 END AS canAbilitato,
+         CASE WHEN EXISTS (SELECT 1 FROM VFW31_RVKPARAMETRI
+                             WHERE FW31_ID_FW07 = :IdUtente
+                               AND FW31_INDTIPO = 26
+                               AND FW31_DITTARAGG = :GruppoPDC
+                               AND RTRIM(FW31_CODTIPO) = RTRIM(:ContoPDC)
+                               AND (FW31_FLGABILITATO = 0 OR FW31_FLGMODIFICA = 0))
+              THEN 0 ELSE 1 END AS canVisualizza');
