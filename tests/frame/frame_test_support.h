@@ -29,7 +29,7 @@ class DemoDatabaseFile {
              ("zarvik_" + name + "_" + std::to_string(::getpid()) + ".db"))
                 .string();
     std::filesystem::remove(path_);
-    demo::OpenDemoDatabase(path_)->Close();
+    demo::InitDemoDatabase(path_);
   }
   ~DemoDatabaseFile() { std::filesystem::remove(path_); }
   DemoDatabaseFile(const DemoDatabaseFile&) = delete;

@@ -86,8 +86,8 @@ class RvkUsersOnDemo {
   void At(const Moment& m) {
     clock->now = OleDateFromYmd(m.year, m.month, m.day) +
                  (m.hour * 3600 + m.minute * 60 + m.second) / 86400.0;
-    Run("UPDATE ZARVIK_ROUTINES SET BODY = 'SELECT ''" + m.Text() +
-        "''' WHERE NAME = 'KVL_GETDATE'");
+    Run("UPDATE ZARVIK_ROUTINES SET ROUTINE_BODY = 'SELECT ''" + m.Text() +
+        "''' WHERE ROUTINE_NAME = 'KVL_GETDATE'");
   }
 
   // One login of `login` (nullopt: the argument omitted) with the outcome.
