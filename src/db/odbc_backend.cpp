@@ -159,6 +159,18 @@ void BindParameter(SQLHSTMT stmt, SQLUSMALLINT number, const ParameterInfo& para
   Check(rc, kFailed, SQL_HANDLE_STMT, stmt, "SQLBindParameter");
 }
 
+Variant DateFromTimestamp(const SQL_TIMESTAMP_STRUCT& ts) {
+  odbc::DateTimeFields f;
+  f.year = ts.year;
+  f.month = ts.month;
+  f.day = ts.day;
+  f.hour = ts.hour;
+  f.minute = ts.minute;
+  f.second = ts.second;
+  f.fraction_ns = ts.fraction;
+  return Variant::Date(odbc::OleDateFromFields(f));
+}
+
 Variant ReadOutput(const ParameterInfo& param, const BoundParameter& bound) {
   if (bound.indicator == SQL_NULL_DATA) return Variant::Null();
   switch (param.type) {
@@ -172,15 +184,7 @@ Variant ReadOutput(const ParameterInfo& param, const BoundParameter& bound) {
       return Variant::Boolean(Load<SQLCHAR>(bound) != 0);
     case adtype::kDate: {
       const auto ts = Load<SQL_TIMESTAMP_STRUCT>(bound);
-      odbc::DateTimeFields f;
-      f.year = ts.year;
-      f.month = ts.month;
-      f.day = ts.day;
-      f.hour = ts.hour;
-      f.minute = ts.minute;
-      f.second = ts.second;
-      f.fraction_ns = ts.fraction;
-      return Variant::Date(odbc::OleDateFromFields(f));
+      return DateFromTimestamp(ts);
     }
     default: {
       const size_t room = bound.buffer.size() - 1;
@@ -270,15 +274,7 @@ Variant ReadValue(SQLHSTMT stmt, SQLUSMALLINT column, ColumnKind kind) {
     case ColumnKind::kDateTime: {
       SQL_TIMESTAMP_STRUCT ts{};
       if (!get(SQL_C_TYPE_TIMESTAMP, &ts, sizeof ts)) return Variant::Null();
-      odbc::DateTimeFields f;
-      f.year = ts.year;
-      f.month = ts.month;
-      f.day = ts.day;
-      f.hour = ts.hour;
-      f.minute = ts.minute;
-      f.second = ts.second;
-      f.fraction_ns = ts.fraction;
-      return Variant::Date(odbc::OleDateFromFields(f));
+      return DateFromTimestamp(ts);
     }
     case ColumnKind::kTime: {
       SQL_TIME_STRUCT t{};
