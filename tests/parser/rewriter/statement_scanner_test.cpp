@@ -39,6 +39,10 @@ int16_t MOfFrom(const std::string& text) {
   return static_cast<int16_t>(vb::InStr(1, text, "FROM", vb::Compare::kText) + 3);
 }
 
+int16_t FirstJoin(const std::string& text) {
+  return static_cast<int16_t>(vb::InStr(1, text, "JOIN", vb::Compare::kText));
+}
+
 int32_t ErrorNumberOf(const std::function<void()>& body) {
   try {
     body();
@@ -48,39 +52,27 @@ int32_t ErrorNumberOf(const std::function<void()>& body) {
   return 0;
 }
 
-TEST(ScannerPositions, AreSixteenBit) {
+TEST(StatementScanner, PositionsAreSixteenBit) {
   EXPECT_EQ(Pos16(32767), 32767);
   EXPECT_EQ(Pos16(-32768), -32768);
   EXPECT_EQ(ErrorNumberOf([] { Pos16(32768); }), vberr::kOverflow);
 }
 
 TEST(LastOrderByPos, FindsTheLastOrderByWithAnyNonWordCharactersBetween) {
-  struct Case {
-    std::string text;
-    int16_t expected;
-  };
-  const std::vector<Case> cases = {
+  const std::vector<std::pair<std::string, int16_t>> cases = {
       {"SELECT A FROM T ORDER BY A", 17},
-      {"order   by x", 1},
       {"ORDER\r\nBY X", 1},  // line breaks are non-word characters
-      {"ORDER--BY", 1},
       {"(ORDER BY)", 2},
       {"A ORDER BY B ORDER BY C", 14},  // the last one
       {"ORDERBY", 0},                   // at least one non-word character between
       {"XORDER BY", 0},                 // ORDER must start a word
-      {"ORDER BYX", 0},                 // BY must end a word
       {"ORDER BY_", 0},                 // '_' is a word character
       {"ORDER x BY", 0},                // no word may stand between
-      {"", 0},
   };
-  for (const Case& c : cases) EXPECT_EQ(LastOrderByPos(c.text), c.expected) << c.text;
-}
-
-TEST(LastOrderByPos, BeyondThe16BitRangeOverflows) {
-  const std::string text = std::string(40000, 'x') + " ORDER BY A";
-  EXPECT_EQ(ErrorNumberOf([&] { LastOrderByPos(text); }), vberr::kOverflow);
-  // Only the last match is converted: an early ORDER BY in a long text is
-  // answered when it is the last one.
+  for (const auto& [text, expected] : cases) EXPECT_EQ(LastOrderByPos(text), expected) << text;
+  // Only the last match is converted to 16 bits.
+  EXPECT_EQ(ErrorNumberOf([] { LastOrderByPos(std::string(40000, 'x') + " ORDER BY A"); }),
+            vberr::kOverflow);
   EXPECT_EQ(LastOrderByPos("ORDER BY A " + std::string(40000, 'x')), 1);
 }
 
@@ -105,306 +97,232 @@ TEST(LastOrderByPos, AgreesWithTheRegularExpression) {
   }
 }
 
-TEST(NextNonBlankAfterWord, AnswersTheFirstCharacterOfTheNextWord) {
-  struct Case {
+TEST(StatementScanner, NextNonBlankAfterWordAndQuotes) {
+  const struct {
     std::string text;
     int16_t pos;
     std::string expected;
-  };
-  const std::vector<Case> cases = {
+  } cases[] = {
       {"SELECT * FROM (SELECT 1) X", 13, "("},
       {"SELECT * FROM   T1", 13, "T"},
       {"SELECT * FROM   T", 13, ""},  // the last character of the text is not answered
-      {"SELECT * FROM", 13, ""},      // nothing after the word
-      {"AB ", 1, ""},                 // the blank after the word is the last character
+      {"SELECT * FROM", 13, ""},
       // A blank at pos restarts at position 1 (deliberate): the scan then
       // answers the second character, not the word after the blank.
       {"AB CD EF", 3, "B"},
-      {"A  BC", 3, "B"},
       {"A  B", 3, ""},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     EXPECT_EQ(NextNonBlankAfterWord(c.text, c.pos), c.expected) << c.text << " @" << c.pos;
   }
-}
-
-TEST(IsInsideQuotes, CountsTheApostrophesBeforeThePosition) {
+  EXPECT_TRUE(ReadsDerivedTable("SELECT * FROM   ( SELECT A FROM T) X", 13));
+  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM T, (SELECT A FROM U) X", 13));
+  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM (", 13));  // "(" as the last character
+  // Apostrophes counted before a 0-based position.
   const std::string text = "a 'b' c";
-  EXPECT_FALSE(IsInsideQuotes(text, 0));
-  EXPECT_FALSE(IsInsideQuotes(text, 2));
-  EXPECT_TRUE(IsInsideQuotes(text, 3));
-  EXPECT_TRUE(IsInsideQuotes(text, 4));
-  EXPECT_FALSE(IsInsideQuotes(text, 5));
-  EXPECT_FALSE(IsInsideQuotes(text, 100));
+  for (int pos : {0, 2, 5, 100}) EXPECT_FALSE(IsInsideQuotes(text, pos)) << pos;
+  for (int pos : {3, 4}) EXPECT_TRUE(IsInsideQuotes(text, pos)) << pos;
 }
 
-TEST(CutAtUnion, CutsBeforeTheFirstUnionOutsideQuotes) {
+TEST(StatementScanner, CutAtUnionCutsBeforeTheFirstUnionOutsideQuotes) {
   std::string s = "SELECT A FROM T UNION SELECT B FROM U UNION SELECT C FROM V";
   UnionCut cut = CutAtUnion(s);
   EXPECT_TRUE(cut.has_union);
   EXPECT_EQ(s, "SELECT A FROM T ");
-  EXPECT_EQ(cut.rest, "UNION SELECT B FROM U UNION SELECT C FROM V");
-
   // The next segment begins with UNION: the search starts at position 2.
   s = cut.rest;
   cut = CutAtUnion(s);
   EXPECT_EQ(s, "UNION SELECT B FROM U ");
   EXPECT_EQ(cut.rest, "UNION SELECT C FROM V");
-
   s = "SELECT A FROM T WHERE X = 'UNION'";
-  cut = CutAtUnion(s);
-  EXPECT_FALSE(cut.has_union);
+  EXPECT_FALSE(CutAtUnion(s).has_union);
   EXPECT_EQ(s, "SELECT A FROM T WHERE X = 'UNION'");
-
   s = "select a from t union all select b from u";
-  cut = CutAtUnion(s);
-  EXPECT_EQ(s, "select a from t ");
-  EXPECT_EQ(cut.rest, "union all select b from u");
+  EXPECT_EQ(CutAtUnion(s).rest, "union all select b from u");
 }
 
-TEST(FindMainFrom, PassesOverTheFromsOfSubQueriesInTheSelectList) {
-  struct Case {
+TEST(StatementScanner, FindMainFromPassesOverTheFromsOfSelectListSubQueries) {
+  const struct {
     std::string text;
     MainFrom expected;
-    std::string main_from;  // text that starts at the main FROM
-  };
-  const std::vector<Case> cases = {
-      {"SELECT A FROM T", MainFrom::kFound, "FROM T"},
-      {"SELECT (SELECT MAX(B) FROM U) AS M FROM T", MainFrom::kFound, "FROM T"},
-      {"SELECT (SELECT 1 FROM U) A, (SELECT 2 FROM V) B FROM T", MainFrom::kFound, "FROM T"},
-      {"SELECT A FROM T WHERE B IN (SELECT C FROM U)", MainFrom::kFound, "FROM T"},
-      {"SELECT 'SELECT' FROM T", MainFrom::kFound, "FROM T"},  // quoted SELECT ignored
-      {"select a from t", MainFrom::kFound, "from t"},
-      {"SELECT 1", MainFrom::kNoFrom, ""},
+  } cases[] = {
+      {"SELECT (SELECT 1 FROM U) A, (SELECT 2 FROM V) B FROM T", MainFrom::kFound},
+      {"SELECT A FROM T WHERE B IN (SELECT C FROM U)", MainFrom::kFound},
+      {"SELECT 'SELECT' FROM T", MainFrom::kFound},  // quoted SELECT ignored
+      {"select a from t", MainFrom::kFound},
+      {"SELECT 1", MainFrom::kNoFrom},
       // A sub-query nested in a select-list sub-query.
-      {"SELECT (SELECT (SELECT 1 FROM A) FROM B) FROM C", MainFrom::kUnpaired, ""},
+      {"SELECT (SELECT (SELECT 1 FROM A) FROM B) FROM C", MainFrom::kUnpaired},
       // Deliberate: a later SELECT without a FROM counts as unpaired too.
-      {"SELECT A FROM T WHERE B IN (SELECT 1)", MainFrom::kUnpaired, ""},
+      {"SELECT A FROM T WHERE B IN (SELECT 1)", MainFrom::kUnpaired},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     int16_t from = -1;
     EXPECT_EQ(FindMainFrom(c.text, from), c.expected) << c.text;
     if (c.expected == MainFrom::kFound) {
-      EXPECT_EQ(from, At(c.text, c.main_from)) << c.text;
+      EXPECT_EQ(from, At(c.text, c.text[0] == 's' ? "from t" : "FROM T")) << c.text;
     }
   }
 }
 
-TEST(ReadsDerivedTable, LooksAtTheFirstThingAfterFrom) {
-  EXPECT_TRUE(ReadsDerivedTable("SELECT * FROM (SELECT A FROM T) X", 13));
-  EXPECT_TRUE(ReadsDerivedTable("SELECT * FROM   ( SELECT A FROM T) X", 13));
-  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM T, (SELECT A FROM U) X", 13));
-  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM (", 13));  // "(" as the last character
-}
-
-TEST(ReadFromList, CollectsThePrefixesOfTheFromList) {
-  struct Case {
-    std::string tail;  // after "SELECT * "
-    std::vector<std::string> expected;
-  };
-  const std::vector<Case> cases = {
+TEST(StatementScanner, ReadFromListCollectsThePrefixesOfTheFromList) {
+  const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
       {"FROM MG36_DOCUMENTI A, CG44_CLIFOR B, PD68_PROGETTI C WHERE X = 1",
        {"MG36", "CG44", "PD68"}},
-      {"FROM MG36_DOCUMENTI, CG44_CLIFOR", {"MG36", "CG44"}},
       {"FROM MG36_DOCUMENTI,CG44_CLIFOR", {"MG36", "CG44"}},
       {"FROM   MG36_DOCUMENTI   A,   CG44_CLIFOR", {"MG36", "CG44"}},
       // Deliberate: a blank before the comma ends the list.
       {"FROM MG36_DOCUMENTI A , CG44_CLIFOR B", {"MG36"}},
       {"FROM MG36_DOCUMENTI A INNER JOIN CG44_CLIFOR B ON 1 = 1", {"MG36"}},
-      {"FROM MG36_DOCUMENTI", {"MG36"}},
-      // Repeats are dropped once each.
-      {"FROM MG36_DOCUMENTI A, MG36_DOCUMENTI B", {"MG36"}},
       {"FROM MG36_DOCUMENTI A, PD68_PROGETTI B, MG36_DOCUMENTI C", {"MG36", "PD68"}},
       // CG16, CG44 and CG18 stand for one customer/supplier and company test.
       {"FROM CG44_CLIFOR A, CG16_ANAGRAFICA B", {"CG44"}},
       {"FROM CG18_DITTE A, CG16_ANAGRAFICA B", {"CG18"}},
-      {"FROM CG16_ANAGRAFICA A, CG44_CLIFOR B", {"CG44"}},
       {"FROM CG16_ANAGRAFICA A, CG18_DITTE B, CG44_CLIFOR C", {"CG18", "CG44"}},
       {"FROM CG16_ANAGRAFICA A", {"CG16"}},
       // Five-letter prefixes of two views; lower case is not one of them.
       {"FROM VCG42_MOVCONT V, VPD0C_NODIPROG N", {"VCG42", "VPD0C"}},
       {"FROM vcg42_movcont V", {"vcg4"}},
       // The ODBC outer-join escape.
-      {"FROM {oj MG36_DOCUMENTI D LEFT OUTER JOIN CG44_CLIFOR C ON 1 = 1}", {"MG36"}},
       {"FROM {oj   MG36_DOCUMENTI D LEFT OUTER JOIN CG44_CLIFOR C ON 1 = 1}", {"MG36"}},
   };
-  for (const Case& c : cases) {
-    const std::string s = "SELECT * " + c.tail;
+  for (const auto& [tail, expected] : cases) {
+    const std::string s = "SELECT * " + tail;
     int16_t from = MOfFrom(s);
-    EXPECT_EQ(ReadFromList(s, from), c.expected) << s;
+    EXPECT_EQ(ReadFromList(s, from), expected) << s;
   }
-}
-
-TEST(ReadFromList, MovesTheFromPositionPastTheFirstPrefix) {
+  // The FROM position moves past the first prefix.
   const std::string s = "SELECT * FROM  MG36_DOCUMENTI D, CG44_CLIFOR C";
   int16_t from = MOfFrom(s);
   ReadFromList(s, from);
   EXPECT_EQ(from, At(s, "_DOCUMENTI"));
 }
 
-TEST(MainWherePos, PassesOverTheWhereOfEverySubQueryBeforeIt) {
-  const std::string joined =
-      "SELECT * FROM T INNER JOIN (SELECT K FROM U WHERE U.X = 1) S ON S.K = T.K WHERE T.Y = 2";
-  int16_t from = MOfFrom(joined);
-  ReadFromList(joined, from);
-  EXPECT_EQ(MainWherePos(joined, from, At(joined, "WHERE U.X")), At(joined, "WHERE T.Y"));
-
-  const std::string plain = "SELECT * FROM T WHERE T.Y IN (SELECT K FROM U WHERE U.X = 1)";
-  from = MOfFrom(plain);
-  ReadFromList(plain, from);
-  EXPECT_EQ(MainWherePos(plain, from, At(plain, "WHERE T.Y")), At(plain, "WHERE T.Y"));
-
-  // A sub-query without a WHERE of its own before the main WHERE makes the
-  // scanner skip the main one as well: the statement is then taken as
-  // having no WHERE.
-  const std::string no_sub_where =
-      "SELECT * FROM T INNER JOIN (SELECT K FROM U) S ON S.K = T.K WHERE T.Y = 2";
-  from = MOfFrom(no_sub_where);
-  ReadFromList(no_sub_where, from);
-  EXPECT_EQ(MainWherePos(no_sub_where, from, At(no_sub_where, "WHERE")), 0);
-}
-
-TEST(FirstTableAlias, IsTheWordAfterTheFirstTableWhenAJoinFollows) {
-  struct Case {
-    std::string tail;
-    std::string expected;
+TEST(StatementScanner, MainWherePassesOverTheWhereOfEverySubQueryBeforeIt) {
+  const struct {
+    std::string text, first_where, main_where;  // main_where "" = taken as no WHERE
+  } cases[] = {
+      {"SELECT * FROM T INNER JOIN (SELECT K FROM U WHERE U.X = 1) S ON S.K = T.K WHERE T.Y = 2",
+       "WHERE U.X", "WHERE T.Y"},
+      {"SELECT * FROM T WHERE T.Y IN (SELECT K FROM U WHERE U.X = 1)", "WHERE T.Y", "WHERE T.Y"},
+      // A sub-query without a WHERE of its own before the main WHERE makes
+      // the scanner skip the main one as well.
+      {"SELECT * FROM T INNER JOIN (SELECT K FROM U) S ON S.K = T.K WHERE T.Y = 2", "WHERE", ""},
   };
-  const std::vector<Case> cases = {
-      {"FROM MG36_DOCUMENTI D INNER JOIN CG44_CLIFOR C ON 1 = 1", "D."},
-      {"FROM MG36_DOCUMENTI D", ""},  // no JOIN: no alias
-      {"FROM MG36_DOCUMENTI INNER JOIN CG44_CLIFOR C ON 1 = 1", ""},
-      {"FROM MG36_DOCUMENTI LEFT JOIN CG44_CLIFOR C ON 1 = 1", ""},
-      {"FROM MG36_DOCUMENTI RIGHT JOIN CG44_CLIFOR C ON 1 = 1", ""},
-      {"FROM MG36_DOCUMENTI JOIN CG44_CLIFOR C ON 1 = 1", ""},
-      {"FROM MG36_DOCUMENTI WITH(NOLOCK) INNER JOIN CG44_CLIFOR C ON 1 = 1", ""},
-      {"FROM MG36_DOCUMENTI WITH (NOLOCK) INNER JOIN CG44_CLIFOR C ON 1 = 1", ""},
-      {"from mg36_documenti d inner join cg44_clifor c on 1 = 1", "d."},
-      {"from mg36_documenti inner join cg44_clifor c on 1 = 1", ""},
-      // Deliberate: a bare four-letter table name gives its alias away.
-      {"FROM CG18 X INNER JOIN CG44_CLIFOR C ON 1 = 1", ""},
-  };
-  for (const Case& c : cases) {
-    const std::string s = "SELECT * " + c.tail;
-    int16_t from = MOfFrom(s);
-    ReadFromList(s, from);
-    const int16_t join = static_cast<int16_t>(vb::InStr(1, s, "JOIN", vb::Compare::kText));
-    EXPECT_EQ(FirstTableAlias(s, from, join), c.expected) << s;
+  for (const auto& c : cases) {
+    int16_t from = MOfFrom(c.text);
+    ReadFromList(c.text, from);
+    EXPECT_EQ(MainWherePos(c.text, from, At(c.text, c.first_where)),
+              c.main_where.empty() ? 0 : At(c.text, c.main_where))
+        << c.text;
   }
 }
 
-TEST(CutTails, CutOrderByGroupByAndWhereKeepingTheCharacterBefore) {
+TEST(StatementScanner, FirstTableAliasIsTheWordAfterTheFirstTableWhenAJoinFollows) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"FROM MG36_DOCUMENTI D INNER JOIN CG44_CLIFOR C ON 1 = 1", "D."},
+      {"FROM MG36_DOCUMENTI D", ""},  // no JOIN: no alias
+      {"FROM MG36_DOCUMENTI LEFT JOIN CG44_CLIFOR C ON 1 = 1", ""},
+      {"FROM MG36_DOCUMENTI JOIN CG44_CLIFOR C ON 1 = 1", ""},
+      {"FROM MG36_DOCUMENTI WITH (NOLOCK) INNER JOIN CG44_CLIFOR C ON 1 = 1", ""},
+      {"from mg36_documenti d inner join cg44_clifor c on 1 = 1", "d."},
+      // Deliberate: a bare four-letter table name gives its alias away.
+      {"FROM CG18 X INNER JOIN CG44_CLIFOR C ON 1 = 1", ""},
+  };
+  for (const auto& [tail, expected] : cases) {
+    const std::string s = "SELECT * " + tail;
+    int16_t from = MOfFrom(s);
+    ReadFromList(s, from);
+    EXPECT_EQ(FirstTableAlias(s, from, FirstJoin(s)), expected) << s;
+  }
+}
+
+TEST(StatementScanner, CutsOrderByGroupByAndWhereKeepingTheCharacterBefore) {
   std::string s = "SELECT A, COUNT(*) FROM T WHERE B = 1 GROUP BY A ORDER   BY A";
   EXPECT_EQ(CutOrderBy(s), " ORDER   BY A");
-  EXPECT_EQ(s, "SELECT A, COUNT(*) FROM T WHERE B = 1 GROUP BY A");
   EXPECT_EQ(CutGroupBy(s), " GROUP BY A");
-  EXPECT_EQ(s, "SELECT A, COUNT(*) FROM T WHERE B = 1");
   EXPECT_EQ(CutWhere(s, At(s, "WHERE")), " WHERE (  B = 1 ) ");
   EXPECT_EQ(s, "SELECT A, COUNT(*) FROM T ");
-
   // Nothing to cut: the statement stays as it is.
   s = "SELECT A FROM T";
-  EXPECT_EQ(CutOrderBy(s), "");
-  EXPECT_EQ(CutGroupBy(s), "");
-  EXPECT_EQ(CutWhere(s, 0), "");
+  EXPECT_EQ(CutOrderBy(s) + CutGroupBy(s) + CutWhere(s, 0), "");
   EXPECT_EQ(s, "SELECT A FROM T");
-
   // A GROUP BY followed by " ON " belongs to a joined sub-query and stays.
   s = "SELECT * FROM T INNER JOIN (SELECT K FROM U GROUP BY K) S ON S.K = T.K";
   EXPECT_EQ(CutGroupBy(s), "");
-  EXPECT_EQ(s, "SELECT * FROM T INNER JOIN (SELECT K FROM U GROUP BY K) S ON S.K = T.K");
-
   // Exactly one blank between GROUP and BY; any case.
   s = "SELECT A FROM T GROUP  BY A";
   EXPECT_EQ(CutGroupBy(s), "");
   s = "select a from t group by a";
   EXPECT_EQ(CutGroupBy(s), " group by a");
-}
-
-TEST(CutTails, AKeywordAtTheFirstPositionRaisesInvalidProcedureCall) {
-  std::string s = "ORDER BY A";
+  // A keyword at the first position raises "invalid procedure call".
+  s = "ORDER BY A";
   EXPECT_EQ(ErrorNumberOf([&] { CutOrderBy(s); }), vberr::kInvalidProcedureCall);
   s = "GROUP BY A";
   EXPECT_EQ(ErrorNumberOf([&] { CutGroupBy(s); }), vberr::kInvalidProcedureCall);
 }
 
-TEST(CustomerKindHint, ReadsTheKindSpelledWithOneBlankEachSide) {
-  struct Case {
-    std::string where_tail;
-    int16_t expected;
-  };
-  const std::vector<Case> cases = {
+TEST(StatementScanner, CustomerKindHintNeedsOneBlankEachSideAndUpperCase) {
+  const std::vector<std::pair<std::string, int16_t>> cases = {
       {" WHERE (  A = 1 ) ", -1},
       {" WHERE (  CG44_TIPOCF = 0 ) ", 0},
       {" WHERE (  C.CG44_TIPOCF = 1 AND X = 2 ) ", 1},
       {" WHERE (  CG44_TIPOCF=0 ) ", -1},
       {" WHERE (  CG44_TIPOCF  = 0 ) ", -1},
-      {" WHERE (  CG44_TIPOCF IN (0, 1) ) ", -1},
-      {" WHERE (  cg44_tipocf = 0 ) ", -1},  // case-sensitive
+      {" WHERE (  cg44_tipocf = 0 ) ", -1},
       {" WHERE (  CG44_TIPOCF = 1 OR CG44_TIPOCF = 0 ) ", 0},
       {"", -1},
   };
-  for (const Case& c : cases) EXPECT_EQ(CustomerKindHint(c.where_tail), c.expected) << c.where_tail;
+  for (const auto& [tail, expected] : cases) EXPECT_EQ(CustomerKindHint(tail), expected) << tail;
 }
 
-std::vector<JoinedTable> Joins(const std::string& s, const std::vector<std::string>& from_tables) {
-  return ReadJoins(s, static_cast<int16_t>(vb::InStr(1, s, "JOIN", vb::Compare::kText)),
-                   from_tables);
-}
-
-TEST(ReadJoins, CollectsInnerAndRightJoinsWithTheirAliases) {
-  struct Case {
-    std::string text;
-    std::vector<std::string> from_tables;
-    std::vector<JoinedTable> expected;
-  };
+TEST(StatementScanner, ReadJoinsCollectsInnerAndRightJoinsWithTheirAliases) {
   const std::string head = "SELECT * FROM DO11_DOCTESTATA D ";
-  const std::vector<Case> cases = {
+  const struct {
+    std::string text;
+    std::vector<JoinedTable> expected;
+    std::string from_table = "DO11";
+  } cases[] = {
       {head + "INNER JOIN CG44_CLIFOR C ON C.K = D.K INNER JOIN MG36_DOCUMENTI M ON M.K = D.K",
-       {"DO11"},
        {{"CG44", "C."}, {"MG36", "M."}}},
-      {head + "RIGHT JOIN CG44_CLIFOR C ON C.K = D.K", {"DO11"}, {{"CG44", "C."}}},
-      {head + "JOIN   CG44_CLIFOR    C ON C.K = D.K", {"DO11"}, {{"CG44", "C."}}},
+      {head + "RIGHT JOIN CG44_CLIFOR C ON C.K = D.K", {{"CG44", "C."}}},
+      {head + "JOIN   CG44_CLIFOR    C ON C.K = D.K", {{"CG44", "C."}}},
       // No alias: ON or a table hint follows the name (in any case).
-      {head + "INNER JOIN CG44_CLIFOR ON 1 = 1", {"DO11"}, {{"CG44", ""}}},
-      {head + "inner join CG44_CLIFOR on 1 = 1", {"DO11"}, {{"CG44", ""}}},
-      {head + "INNER JOIN CG44_CLIFOR WITH(NOLOCK) ON 1 = 1", {"DO11"}, {{"CG44", ""}}},
-      {head + "INNER JOIN CG44_CLIFOR WITH (NOLOCK) ON 1 = 1", {"DO11"}, {{"CG44", ""}}},
+      {head + "inner join CG44_CLIFOR on 1 = 1", {{"CG44", ""}}},
+      {head + "INNER JOIN CG44_CLIFOR WITH(NOLOCK) ON 1 = 1", {{"CG44", ""}}},
+      {head + "INNER JOIN CG44_CLIFOR WITH (NOLOCK) ON 1 = 1", {{"CG44", ""}}},
       // The optional side of a LEFT join is never restricted; the test is
       // case-sensitive (deliberate), so a lower-case left join is.
-      {head + "LEFT OUTER JOIN CG44_CLIFOR C ON 1 = 1", {"DO11"}, {}},
-      {head + "LEFT JOIN CG44_CLIFOR C ON 1 = 1", {"DO11"}, {}},
-      {head + "left outer join CG44_CLIFOR C ON 1 = 1", {"DO11"}, {{"CG44", "C."}}},
+      {head + "LEFT JOIN CG44_CLIFOR C ON 1 = 1", {}},
+      {head + "left outer join CG44_CLIFOR C ON 1 = 1", {{"CG44", "C."}}},
       // "LEFT" anywhere in the 15 characters before JOIN counts.
-      {"SELECT * FROM DO11_DOCTESTATA LEFTIE INNER JOIN CG44_CLIFOR C ON 1 = 1", {"DO11"}, {}},
+      {"SELECT * FROM DO11_DOCTESTATA LEFTIE INNER JOIN CG44_CLIFOR C ON 1 = 1", {}},
       // A view is taken by its first four letters.
-      {head + "INNER JOIN VPD0C_NODIPROG N ON 1 = 1", {"DO11"}, {{"VPD0", "N."}}},
+      {head + "INNER JOIN VPD0C_NODIPROG N ON 1 = 1", {{"VPD0", "N."}}},
       // Already restricted through the FROM list.
-      {head + "INNER JOIN DO11_DOCTESTATA E ON 1 = 1", {"DO11"}, {}},
-      {"SELECT * FROM MG3N_TRASFDOC X INNER JOIN MG36_DOCUMENTI Y ON 1 = 1", {"MG3N"}, {}},
-      {"SELECT * FROM CG44_CLIFOR X INNER JOIN CG16_ANAGRAFICA Y ON 1 = 1", {"CG44"}, {}},
+      {head + "INNER JOIN DO11_DOCTESTATA E ON 1 = 1", {}},
+      {"SELECT * FROM MG3N_TRASFDOC X INNER JOIN MG36_DOCUMENTI Y ON 1 = 1", {}, "MG3N"},
+      {"SELECT * FROM CG44_CLIFOR X INNER JOIN CG16_ANAGRAFICA Y ON 1 = 1", {}, "CG44"},
       // ... or through an earlier join; deliberate: the duplicate's alias
       // replaces the alias of the join before it.
       {head + "INNER JOIN CG44_CLIFOR C ON 1 = 1 INNER JOIN CG44_CLIFOR C2 ON 1 = 1",
-       {"DO11"},
        {{"CG44", "C2."}}},
       {head + "INNER JOIN MG3N_TRASFDOC T ON 1 = 1 INNER JOIN MG36_DOCUMENTI M ON 1 = 1",
-       {"DO11"},
        {{"MG3N", "M."}}},
       // MG3N after MG36 is not a duplicate.
       {head + "INNER JOIN MG36_DOCUMENTI M ON 1 = 1 INNER JOIN MG3N_TRASFDOC T ON 1 = 1",
-       {"DO11"},
        {{"MG36", "M."}, {"MG3N", "T."}}},
-      {head, {"DO11"}, {}},
   };
-  for (const Case& c : cases) EXPECT_EQ(Joins(c.text, c.from_tables), c.expected) << c.text;
-}
-
-TEST(ReadJoins, AJoinWithinTheFirst15CharactersRaisesInvalidProcedureCall) {
+  for (const auto& c : cases) {
+    EXPECT_EQ(ReadJoins(c.text, FirstJoin(c.text), {c.from_table}), c.expected) << c.text;
+  }
+  // A JOIN within the first 15 characters raises "invalid procedure call".
   const std::string s = "SELECT*FROM A JOIN B ON 1 = 1";
   ASSERT_EQ(vb::InStr(1, s, "JOIN"), 15);
-  EXPECT_EQ(ErrorNumberOf([&] { Joins(s, {"A"}); }), vberr::kInvalidProcedureCall);
+  EXPECT_EQ(ErrorNumberOf([&] { ReadJoins(s, FirstJoin(s), {"A"}); }),
+            vberr::kInvalidProcedureCall);
   const std::string t = "SELECT* FROM A JOIN B ON 1 = 1";
-  EXPECT_EQ(ErrorNumberOf([&] { Joins(t, {"A"}); }), 0);
+  EXPECT_EQ(ErrorNumberOf([&] { ReadJoins(t, FirstJoin(t), {"A"}); }), 0);
 }
 
 }  // namespace

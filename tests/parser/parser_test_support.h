@@ -1,0 +1,138 @@
+// Set-up shared by the parser tests: a CLSFW_PARSER on its own in-memory
+// demo database, with the statements it sends logged and its message boxes
+// recorded, and the revocation sub-queries of ROSSI (id 5) that several
+// statements embed.
+#ifndef ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
+#define ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "db/connection.h"
+#include "db/tracing.h"
+#include "demo/demo_db.h"
+#include "demo/tour.h"
+#include "parser/clsfw_parser.h"
+#include "platform/env.h"
+#include "platform/message_sink.h"
+#include "platform/variant.h"
+#include "rewriter/rewriter_probe.h"
+
+namespace zarvik::testing {
+
+// A user code that FW07_APPUSER does not know: the lookup finds nothing and
+// keeps the id the test set, so that texts can be pinned with any id.
+inline constexpr const char* kUnknownUser = "ORDINARIO";
+
+// Sets both user codes (each method compares one or the other with
+// "ZentAd"); the group is the demo user's, or VEN for other codes.
+inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string& group = "") {
+  const demo::DemoUser* user = demo::FindDemoUser(code);
+  p.SetCodiceGruppo(!group.empty() ? group : user != nullptr ? user->group : "VEN");
+  p.SetCodiceUtente(code);
+  p.SetCodiceUtenteCLIFOR(code);
+}
+
+// The VFW31_RVKPARAMETRI test of one kind, as the dispatch writes it.
+inline std::string Vfw31(const std::string& negation, int kind, const std::string& scope,
+                         const std::string& code) {
+  return negation + " EXISTS(SELECT *  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND " +
+         "FW31_INDTIPO = " + std::to_string(kind) + "  AND FW31_FLGABILITATO = 0  AND " +
+         "FW31_DITTARAGG = " + scope + "  AND FW31_CODTIPO = " + code + ") ";
+}
+
+// The project-node test, without its negation.
+inline const std::string kNodi =
+    " EXISTS(SELECT *  FROM VFW3N_RVKNODI  WHERE FW3N_ID_FW07 = 5  AND FW3N_DITTA_CG18 = "
+    "PD0C_DITTA_CG18  AND FW3N_CODNODO = PD0C_CODNODO  AND FW3N_CODPROG_PD68 = "
+    "PD0C_CODPROG_PD68) ";
+
+// The customer/supplier condition with its CG44 columns qualified by `q`.
+inline std::string CliForCondition(const std::string& q, int user_id = 5) {
+  return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + q +
+         "CG44_DITTA_CG18     AND RVKTIPOCF = " + q + "CG44_TIPOCF     AND RVKCLIFOR = " + q +
+         "CG44_CLIFOR     AND RVKUTENTE = " + std::to_string(user_id) + "  )  ";
+}
+
+struct ParserSession {
+  explicit ParserSession(const std::string& user = "", std::shared_ptr<db::Connection> database =
+                                                           demo::OpenDemoDatabase(":memory:"))
+      : db(std::move(database)), parser(Env{sink, std::make_shared<SystemClock>()}) {
+    db->SetStatementLog(log);
+    parser.SetConnectionADO(db);
+    parser.SetDittaCorrente(Variant(demo::kMainCompany));
+    if (!user.empty()) AsUser(user);
+  }
+
+  void AsUser(const std::string& code, const std::string& group = "") {
+    SetUser(parser, code, group);
+  }
+  void AsUnknownUserWithId(int32_t id) {
+    AsUser(kUnknownUser);
+    parser.SetIdUser(id);
+  }
+  // Another parser on the same database and message boxes.
+  std::unique_ptr<CLSFW_PARSER> Other(const std::string& code,
+                                      const Variant& company = Variant(demo::kMainCompany),
+                                      bool connected = true) {
+    auto other = std::make_unique<CLSFW_PARSER>(Env{sink, std::make_shared<SystemClock>()});
+    if (connected) other->SetConnectionADO(db);
+    other->SetDittaCorrente(company);
+    SetUser(*other, code);
+    return other;
+  }
+
+  // ElaboraStrSQL on a copy of the statement.
+  std::string Rewrite(const std::string& statement) {
+    std::string buffer = statement;
+    return parser.ElaboraStrSQL(buffer);
+  }
+  void Run(const std::string& sql) { db->Execute(sql, db::kCmdText); }
+  // Adds rows to FW31_RVKPARAMETRI; each value list starts with FW31_CODICE,
+  // FW31_ID_FW07, FW31_INDTIPO, FW31_DITTARAGG, FW31_CODTIPO.
+  void AddParameterRows(const std::string& columns_after_code, const std::string& values) {
+    Run("INSERT INTO FW31_RVKPARAMETRI (FW31_CODICE, FW31_ID_FW07, FW31_INDTIPO, "
+        "FW31_DITTARAGG, FW31_CODTIPO" +
+        columns_after_code + ") VALUES " + values);
+  }
+
+  const std::vector<std::string>& Statements() const { return log->statements; }
+  std::string LastStatement() const {
+    return log->statements.empty() ? std::string() : log->statements.back();
+  }
+  // The first column of every row of `sql`, as text, blank-separated.
+  std::string Rows(const std::string& sql) {
+    std::string values;
+    for (const auto& row : demo::QueryRows(*db, sql)) {
+      values += (values.empty() ? "" : " ") + row.at(0).ConcatText();
+    }
+    return values;
+  }
+  const std::vector<Message>& Boxes() const { return sink->messages; }
+  // The tag of every box shown so far (what follows the reporter's marker).
+  std::vector<std::string> BoxTags() const {
+    std::vector<std::string> tags;
+    const std::string marker = "\r\nin ZARVIK: CLSFW_PARSER - ";
+    for (const Message& box : sink->messages) {
+      const size_t at = box.text.rfind(marker);
+      tags.push_back(at == std::string::npos ? box.text : box.text.substr(at + marker.size()));
+    }
+    return tags;
+  }
+
+  // Declared before the parser, which is built with them.
+  std::shared_ptr<RecordingMessageSink> sink = std::make_shared<RecordingMessageSink>();
+  std::shared_ptr<db::StatementLog> log = std::make_shared<db::StatementLog>();
+  std::shared_ptr<db::Connection> db;
+  CLSFW_PARSER parser;
+};
+
+class ParserTest : public ::testing::Test, public ParserSession {};
+
+}  // namespace zarvik::testing
+
+#endif  // ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
