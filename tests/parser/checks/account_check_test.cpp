@@ -2,160 +2,102 @@
 // describes its parameters) and through the ODBC call path on the SQLite3
 // ODBC driver (which describes none, so the parameters are declared).
 #include <gtest/gtest.h>
-#include <sql.h>
-#include <sqlext.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "check_test_support.h"
-#include "db/connection.h"
-#include "demo/demo_db.h"
+#include "../../db/db_test_support.h"
+#include "../parser_test_support.h"
 
 namespace zarvik {
 namespace {
 
-struct AccountCase {
-  const char* user;
-  const char* group;
-  int16_t gruppo;
-  const char* conto;
+using testing::ParserSession;
+
+// The answer and both flags for `user` on group/account, starting from
+// flags set to `start`.
+struct AccountAnswer {
   bool blocked;
-  int16_t can_abilitato;
-  int16_t can_visualizza;
+  int16_t can_abilitato, can_visualizza;
+  bool operator==(const AccountAnswer& o) const {
+    return blocked == o.blocked && can_abilitato == o.can_abilitato &&
+           can_visualizza == o.can_visualizza;
+  }
 };
+std::ostream& operator<<(std::ostream& out, const AccountAnswer& a) {
+  return out << a.blocked << " " << a.can_abilitato << " " << a.can_visualizza;
+}
+AccountAnswer Ask(CLSFW_PARSER& p, int16_t gruppo, const std::string& conto, int16_t start) {
+  AccountAnswer a{false, start, start};
+  a.blocked = p.ContoPDCBloccato(gruppo, conto, a.can_abilitato, a.can_visualizza);
+  return a;
+}
 
 // ROSSI: 10/1001 revoked, 10/1002 enabled but not changeable; BIANCHI has
-// no account row.
-const std::vector<AccountCase>& AccountCases() {
-  static const std::vector<AccountCase> cases = {
-      {"ROSSI", "VEN", 10, "1001", true, 0, 0},    {"ROSSI", "VEN", 10, "1002", false, 1, 0},
-      {"ROSSI", "VEN", 10, "1003", false, 1, 1},   {"ROSSI", "VEN", 20, "1001", false, 1, 1},
-      {"BIANCHI", "VEN", 10, "1001", false, 1, 1},
+// no account row. Every answer comes from the procedure.
+void ExpectAccountAnswers(ParserSession& session) {
+  const struct {
+    const char* user;
+    int16_t gruppo;
+    const char* conto;
+    AccountAnswer expected;
+  } cases[] = {
+      {"ROSSI", 10, "1001", {true, 0, 0}},    {"ROSSI", 10, "1002", {false, 1, 0}},
+      {"ROSSI", 10, "1003", {false, 1, 1}},   {"ROSSI", 20, "1001", {false, 1, 1}},
+      {"BIANCHI", 10, "1001", {false, 1, 1}},
   };
-  return cases;
-}
-
-void ExpectAccountAnswers(const std::shared_ptr<db::Connection>& connection,
-                          const std::shared_ptr<db::StatementLog>& log) {
-  for (const AccountCase& c : AccountCases()) {
-    SCOPED_TRACE(std::string(c.user) + " " + std::to_string(c.gruppo) + "/" + c.conto);
-    auto sink = std::make_shared<RecordingMessageSink>();
-    CLSFW_PARSER parser(Env{sink, std::make_shared<SystemClock>()});
-    parser.SetConnectionADO(connection);
-    parser.SetDittaCorrente(Variant(int32_t{1}));
-    parser.SetCodiceGruppo(c.group);
-    parser.SetCodiceUtente(c.user);
-    log->statements.clear();
-    int16_t can_abilitato = 7;
-    int16_t can_visualizza = 7;
-    EXPECT_EQ(parser.ContoPDCBloccato(c.gruppo, c.conto, can_abilitato, can_visualizza), c.blocked);
-    EXPECT_EQ(can_abilitato, c.can_abilitato);
-    EXPECT_EQ(can_visualizza, c.can_visualizza);
-    EXPECT_TRUE(sink->messages.empty()) << sink->messages.front().text;
-    ASSERT_FALSE(log->statements.empty());
-    EXPECT_EQ(log->statements.back(), "{call SPFW_GetInfoRevokeContoPDC}");
+  for (const auto& c : cases) {
+    session.log->statements.clear();
+    auto parser = session.Other(c.user);
+    EXPECT_EQ(Ask(*parser, c.gruppo, c.conto, 7), c.expected) << c.user << " " << c.conto;
+    EXPECT_EQ(session.LastStatement(), "{call SPFW_GetInfoRevokeContoPDC}");
   }
+  EXPECT_TRUE(session.Boxes().empty()) << session.Boxes().front().text;
 }
 
-class AccountCheckTest : public testing::CheckTest {};
-
-TEST_F(AccountCheckTest, ProcedureOnTheEmbeddedEngineFillsBothFlags) {
-  ExpectAccountAnswers(db, log);
+TEST(AccountCheck, ProcedureOnTheEmbeddedEngineFillsBothFlags) {
+  ParserSession session;
+  ExpectAccountAnswers(session);
 }
 
-TEST_F(AccountCheckTest, PrivilegedUserOrDisabledContextGetsBothFlagsWithoutACall) {
-  AsZentAd();
-  int16_t can_abilitato = 0;
-  int16_t can_visualizza = 0;
-  EXPECT_FALSE(parser.ContoPDCBloccato(10, "1001", can_abilitato, can_visualizza));
-  EXPECT_EQ(can_abilitato, 1);
-  EXPECT_EQ(can_visualizza, 1);
-
-  // The only check that honours RevokeDisabilitata.
-  AsRossi();
-  parser.SetRevokeDisabilitata(true);
-  can_abilitato = 0;
-  can_visualizza = 0;
-  EXPECT_FALSE(parser.ContoPDCBloccato(10, "1001", can_abilitato, can_visualizza));
-  EXPECT_EQ(can_abilitato, 1);
-  EXPECT_EQ(can_visualizza, 1);
-  EXPECT_TRUE(Statements().empty());
+TEST(AccountCheck, ProcedureThroughOdbcDeclaresItsParametersAndFillsBothFlags) {
+  if (!db::OdbcDriverInstalled()) GTEST_SKIP() << "the SQLite3 ODBC driver is not registered";
+  db::TempDbFile file("account_check");
+  demo::InitDemoDatabase(file.path());
+  auto odbc = db::OpenConnection("Driver=SQLite3;Database=" + file.path());
+  ParserSession session("", odbc);
+  ExpectAccountAnswers(session);
+  odbc->Close();
 }
 
-TEST_F(AccountCheckTest, BlankAccountLeavesTheFlagsAsTheyWere) {
-  AsZentAd();
-  int16_t can_abilitato = 5;
-  int16_t can_visualizza = 6;
-  EXPECT_FALSE(parser.ContoPDCBloccato(10, "  ", can_abilitato, can_visualizza));
-  EXPECT_EQ(can_abilitato, 5);
-  EXPECT_EQ(can_visualizza, 6);
-  EXPECT_TRUE(Statements().empty());
+TEST(AccountCheck, ShortCutsSendNothing) {
+  // The privileged user and a disabled context (the only check that honours
+  // it) get both flags; a blank account leaves them as they were.
+  ParserSession zentad("ZentAd");
+  EXPECT_EQ(Ask(zentad.parser, 10, "1001", 0), (AccountAnswer{false, 1, 1}));
+  EXPECT_EQ(Ask(zentad.parser, 10, "  ", 5), (AccountAnswer{false, 5, 5}));
+  ParserSession disabled("ROSSI");
+  disabled.parser.SetRevokeDisabilitata(true);
+  EXPECT_EQ(Ask(disabled.parser, 10, "1001", 0), (AccountAnswer{false, 1, 1}));
+  EXPECT_TRUE(zentad.Statements().empty());
+  EXPECT_TRUE(disabled.Statements().empty());
 }
 
-TEST_F(AccountCheckTest, UserIsLookedUpOnlyWhileTheIdIsZero) {
-  AsRossi();
+TEST(AccountCheck, UserIsLookedUpOnlyWhileTheIdIsZero) {
   // An id the host set is used as it stands: BIANCHI's id under ROSSI's code.
-  parser.SetIdUser(demo::user_id::kBianchi);
-  int16_t can_abilitato = 0;
-  int16_t can_visualizza = 0;
-  EXPECT_FALSE(parser.ContoPDCBloccato(10, "1001", can_abilitato, can_visualizza));
-  EXPECT_EQ(Statements(), std::vector<std::string>{"{call SPFW_GetInfoRevokeContoPDC}"});
-  EXPECT_FALSE(parser.Frame().UserResolved());
+  ParserSession rossi("ROSSI");
+  rossi.parser.SetIdUser(demo::user_id::kBianchi);
+  EXPECT_EQ(Ask(rossi.parser, 10, "1001", 0), (AccountAnswer{false, 1, 1}));
+  EXPECT_EQ(rossi.Statements(), std::vector<std::string>{"{call SPFW_GetInfoRevokeContoPDC}"});
+  EXPECT_FALSE(rossi.parser.Frame().UserResolved());
 }
 
-TEST_F(AccountCheckTest, MissingProcedureIsReportedAndTheFlagsKeepTheirValues) {
-  AsRossi();
-  Run("DELETE FROM ZARVIK_ROUTINES WHERE NAME = 'SPFW_GetInfoRevokeContoPDC'");
-  int16_t can_abilitato = 4;
-  int16_t can_visualizza = 4;
-  EXPECT_FALSE(parser.ContoPDCBloccato(10, "1001", can_abilitato, can_visualizza));
-  EXPECT_EQ(can_abilitato, 4);
-  EXPECT_EQ(can_visualizza, 4);
-  ASSERT_EQ(Boxes().size(), 1u);
-  EXPECT_TRUE(EndsWith(Boxes()[0].text, TagLine("ContoPDCBloccato"))) << Boxes()[0].text;
-}
-
-bool SqliteOdbcDriverInstalled() {
-  SQLHENV env = SQL_NULL_HENV;
-  if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env))) return false;
-  SQLSetEnvAttr(env, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
-  bool found = false;
-  SQLCHAR name[256];
-  SQLCHAR attributes[1024];
-  SQLSMALLINT name_length = 0;
-  SQLSMALLINT attributes_length = 0;
-  SQLUSMALLINT direction = SQL_FETCH_FIRST;
-  while (SQL_SUCCEEDED(SQLDrivers(env, direction, name, sizeof name, &name_length, attributes,
-                                  sizeof attributes, &attributes_length))) {
-    if (std::string(reinterpret_cast<const char*>(name)) == "SQLite3") found = true;
-    direction = SQL_FETCH_NEXT;
-  }
-  SQLFreeHandle(SQL_HANDLE_ENV, env);
-  return found;
-}
-
-TEST(AccountCheckOdbcTest, ProcedureThroughOdbcDeclaresItsParametersAndFillsBothFlags) {
-  if (!SqliteOdbcDriverInstalled()) {
-    GTEST_SKIP() << "the SQLite3 ODBC driver is not registered (odbcinst -q -d)";
-  }
-  const std::string path = "/tmp/zarvik_account_check_" + std::to_string(getpid()) + ".db";
-  std::remove(path.c_str());
-  demo::OpenDemoDatabase(path)->Close();
-  {
-    auto log = std::make_shared<db::StatementLog>();
-    auto odbc = std::make_shared<db::Connection>();
-    odbc->SetConnectionString("Driver=SQLite3;Database=" + path);
-    odbc->SetCursorLocation(db::kUseClient);
-    odbc->SetStatementLog(log);
-    odbc->Open();
-    ExpectAccountAnswers(odbc, log);
-    odbc->Close();
-  }
-  std::remove(path.c_str());
+TEST(AccountCheck, MissingProcedureIsReportedAndTheFlagsKeepTheirValues) {
+  ParserSession rossi("ROSSI");
+  rossi.Run("DELETE FROM ZARVIK_ROUTINES WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
+  EXPECT_EQ(Ask(rossi.parser, 10, "1001", 4), (AccountAnswer{false, 4, 4}));
+  EXPECT_EQ(rossi.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
 }
 
 }  // namespace
