@@ -8,53 +8,37 @@
 #include <string>
 #include <vector>
 
-#include "condition_test_support.h"
+#include "../parser_test_support.h"
 #include "frame/host_object.h"
 
 namespace zarvik {
 namespace {
 
-using testing::ConditionTest;
+// The condition for user 12 with its three columns.
+std::string CliFor12(const std::string& ditta, const std::string& tipo, const std::string& clifor) {
+  return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + ditta +
+         "     AND RVKTIPOCF = " + tipo + "     AND RVKCLIFOR = " + clifor +
+         "     AND RVKUTENTE = 12  )  ";
+}
 
-const char* const kCliForCg44User12 =
-    " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = "
-    "CG44_DITTA_CG18     AND RVKTIPOCF = CG44_TIPOCF     AND RVKCLIFOR = CG44_CLIFOR     AND "
-    "RVKUTENTE = 12  )  ";
-
-const char* const kDestinazioniAgent12 =
-    "              (    EXISTS                              (SELECT     TOP 1 1                 "
-    "        "
-    "FROM       MG2G_DESTAGEMUL MG2GRVK WITH (NOLOCK)                         WHERE      "
-    "MG2GRVK.MG2G_DITTA_CG18 = MG22_DITTA_CG18 AND MG2GRVK.MG2G_TIPOCF_CG44 = MG22_TIPOCF_CG44 "
-    "AND                           MG2GRVK.MG2G_CLIFOR_CG44 = MG22_CLIFOR_CG44 AND "
-    "MG2G_CODDESTIN_MG22 = MG22_CODDESTIN AND                           "
-    "MG2GRVK.MG2G_IDAGENTE_MG17 = 12)          OR NOT EXISTS                                    "
-    "      "
-    "(SELECT     TOP 1 1                         FROM       MG2G_DESTAGEMUL MG2GRVK WITH "
-    "(NOLOCK)               WHERE      MG2GRVK.MG2G_DITTA_CG18 = MG22_DITTA_CG18 AND "
-    "MG2GRVK.MG2G_TIPOCF_CG44 = MG22_TIPOCF_CG44 AND                           "
-    "MG2GRVK.MG2G_CLIFOR_CG44 = MG22_CLIFOR_CG44 AND MG2G_CODDESTIN_MG22 = MG22_CODDESTIN)      "
-    ") ";
-
-const char* const kCliForRevocatiRossi =
-    " SELECT CG44_CLIFOR.*  FROM VFW32_LISTACFREVOCATI  INNER JOIN CG44_CLIFOR ON RVKDITTA = "
-    "CG44_DITTA_CG18       AND RVKTIPOCF = CG44_TIPOCF      AND RVKCLIFOR = CG44_CLIFOR  WHERE "
-    "RVKUTENTE = 5       AND CG44_TIPOCF = 0";
-
-class CliForTest : public ConditionTest {};
+class CliForTest : public testing::ParserTest {};
 
 TEST_F(CliForTest, OrdinaryUserOnCg44) {
   AsUnknownUserWithId(12);
-  EXPECT_EQ(parser.SQLConditionCliFor("CG44", false), kCliForCg44User12);
-  EXPECT_EQ(parser.SQLConditionCliFor("CG44", true), std::string(" AND ") + kCliForCg44User12);
+  const std::string expected =
+      " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = "
+      "CG44_DITTA_CG18     AND RVKTIPOCF = CG44_TIPOCF     AND RVKCLIFOR = CG44_CLIFOR     AND "
+      "RVKUTENTE = 12  )  ";
+  EXPECT_EQ(parser.SQLConditionCliFor("CG44", false), expected);
+  EXPECT_EQ(parser.SQLConditionCliFor("CG44", true), " AND " + expected);
   // AllowNull and the disabled flag change nothing.
-  EXPECT_EQ(parser.SQLConditionCliFor("CG44", false, "", "", "", false), kCliForCg44User12);
+  EXPECT_EQ(parser.SQLConditionCliFor("CG44", false, "", "", "", false), expected);
   parser.SetRevokeDisabilitata(true);
-  EXPECT_EQ(parser.SQLConditionCliFor("CG44", false), kCliForCg44User12);
+  EXPECT_EQ(parser.SQLConditionCliFor("CG44", false), expected);
   // The older entry point forwards with empty columns.
   std::string pref = "cg44";
   bool inserire_and = true;
-  EXPECT_EQ(parser.CLIFORCondition(pref, inserire_and), std::string(" AND ") + kCliForCg44User12);
+  EXPECT_EQ(parser.CLIFORCondition(pref, inserire_and), " AND " + expected);
   EXPECT_EQ(pref, "cg44");
   EXPECT_TRUE(inserire_and);
   EXPECT_TRUE(Boxes().empty());
@@ -62,13 +46,11 @@ TEST_F(CliForTest, OrdinaryUserOnCg44) {
 
 TEST_F(CliForTest, ColumnsFollowThePrefixTheScannerStateAndTheArguments) {
   const struct {
-    const char* pref_tabella;
-    const char* current_alias;
+    const char *pref_tabella, *current_alias;
     bool from_rewriter;
     std::vector<std::string> args;     // ditta, tipo_cf, cli_for as given
     std::vector<std::string> columns;  // ... as used
   } cases[] = {
-      {"cg44", "", false, {"", "", ""}, {"CG44_DITTA_CG18", "CG44_TIPOCF", "CG44_CLIFOR"}},
       {"CG44",
        "",
        true,
@@ -97,46 +79,44 @@ TEST_F(CliForTest, ColumnsFollowThePrefixTheScannerStateAndTheArguments) {
   };
   AsUnknownUserWithId(12);
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.pref_tabella) + " alias '" + c.current_alias + "'");
-    ConditionScannerStateForTest::SetCurrentAlias(parser, c.current_alias);
-    ConditionScannerStateForTest::SetFromRewriter(parser, c.from_rewriter);
+    RewriterProbe::SetCurrentAlias(parser, c.current_alias);
+    RewriterProbe::SetFromRewriter(parser, c.from_rewriter);
     EXPECT_EQ(parser.SQLConditionCliFor(c.pref_tabella, false, c.args[0], c.args[1], c.args[2]),
-              " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " +
-                  c.columns[0] + "     AND RVKTIPOCF = " + c.columns[1] +
-                  "     AND RVKCLIFOR = " + c.columns[2] + "     AND RVKUTENTE = 12  )  ");
+              CliFor12(c.columns[0], c.columns[1], c.columns[2]))
+        << c.pref_tabella << " alias '" << c.current_alias << "'";
   }
 }
 
 TEST_F(CliForTest, PrivilegedCustomerSupplierCodeGivesNothingWithoutQuery) {
-  AsUser("ZentAd", "SYS");
+  AsUser("ZentAd");
   EXPECT_EQ(parser.SQLConditionCliFor("CG44", true), "");
   std::string pref = "MG36";
   bool inserire_and = false;
   EXPECT_EQ(parser.CLIFORCondition(pref, inserire_and), "");
-  EXPECT_TRUE(log->statements.empty());
+  EXPECT_TRUE(Statements().empty());
   // The customer/supplier code is the one compared; another case is an
   // ordinary user.
   parser.SetCodiceUtenteCLIFOR("ROSSI");
   EXPECT_NE(parser.SQLConditionCliFor("CG44", false), "");
-  AsUser("zentad", "SYS");
+  AsUser("zentad");
   EXPECT_NE(parser.SQLConditionCliFor("CG44", false), "");
 }
 
 TEST_F(CliForTest, WithoutConnectionTheLookupFailsUnderTheMethodsTag) {
   // The customer/supplier condition does not open a connection itself.
-  auto lonely = Other("ROSSI", "VEN", Variant(int32_t{1}), false);
+  auto lonely = Other("ROSSI", Variant(int32_t{1}), false);
   lonely->SetConnectionStringADO(demo::DemoConnectionString(":memory:"));
   EXPECT_EQ(lonely->SQLConditionCliFor("CG44", true), "");
   EXPECT_EQ(BoxTags(), std::vector<std::string>{"SQLConditionCliFor"});
-  EXPECT_EQ(Boxes()[0].text.rfind("91 - ", 0), 0u);
+  EXPECT_EQ(Boxes()[0].text.rfind("91 - ", 0), 0U);
 }
 
 TEST_F(CliForTest, RossiSeesOnlyTheCustomersSuppliersAndDocumentsNotRevoked) {
-  AsRossi();
+  AsUser("ROSSI");
   const std::string cg44 = parser.SQLConditionCliFor("CG44", true);
   const std::string do11 = parser.SQLConditionCliFor("DO11", true);
-  ASSERT_EQ(log->statements.size(), 1u);  // only the user lookup
-  EXPECT_NE(log->statements[0].find("FROM FW07_APPUSER"), std::string::npos);
+  ASSERT_EQ(Statements().size(), 1U);  // only the user lookup
+  EXPECT_NE(Statements()[0].find("FROM FW07_APPUSER"), std::string::npos);
   const std::string head = "SELECT CG44_CLIFOR FROM CG44_CLIFOR WHERE CG44_DITTA_CG18 = 1 AND ";
   EXPECT_EQ(Rows(head + "CG44_TIPOCF = 0" + cg44 + " ORDER BY 1"), "1 3 4 12 13 40");
   EXPECT_EQ(Rows(head + "CG44_TIPOCF = 1" + cg44 + " ORDER BY 1"), "101 105");
@@ -146,10 +126,7 @@ TEST_F(CliForTest, RossiSeesOnlyTheCustomersSuppliersAndDocumentsNotRevoked) {
             "1001 1005 1016");
 }
 
-// ---------------------------------------------------------------------------
-// SQLConditionDestinazioni
-
-class DestinazioniTest : public ConditionTest {
+class DestinazioniTest : public testing::ParserTest {
  protected:
   // The host's application object with the current user acting as `agent`.
   void HostWithAgent(const Variant& agent) {
@@ -170,8 +147,20 @@ class DestinazioniTest : public ConditionTest {
 
 TEST_F(DestinazioniTest, AgentOfTheHostsCurrentUser) {
   HostWithAgent(Variant(int32_t{12}));
-  EXPECT_EQ(Destinations(false), kDestinazioniAgent12);
-  EXPECT_EQ(Destinations(true), std::string(" AND ") + kDestinazioniAgent12);
+  const std::string expected =
+      "              (    EXISTS                              (SELECT     TOP 1 1                 "
+      "        FROM       MG2G_DESTAGEMUL MG2GRVK WITH (NOLOCK)                         WHERE      "
+      "MG2GRVK.MG2G_DITTA_CG18 = MG22_DITTA_CG18 AND MG2GRVK.MG2G_TIPOCF_CG44 = MG22_TIPOCF_CG44 "
+      "AND                           MG2GRVK.MG2G_CLIFOR_CG44 = MG22_CLIFOR_CG44 AND "
+      "MG2G_CODDESTIN_MG22 = MG22_CODDESTIN AND                           "
+      "MG2GRVK.MG2G_IDAGENTE_MG17 = 12)          OR NOT EXISTS                                    "
+      "      (SELECT     TOP 1 1                         FROM       MG2G_DESTAGEMUL MG2GRVK WITH "
+      "(NOLOCK)               WHERE      MG2GRVK.MG2G_DITTA_CG18 = MG22_DITTA_CG18 AND "
+      "MG2GRVK.MG2G_TIPOCF_CG44 = MG22_TIPOCF_CG44 AND                           "
+      "MG2GRVK.MG2G_CLIFOR_CG44 = MG22_CLIFOR_CG44 AND MG2G_CODDESTIN_MG22 = MG22_CODDESTIN)      "
+      ") ";
+  EXPECT_EQ(Destinations(false), expected);
+  EXPECT_EQ(Destinations(true), " AND " + expected);
   // Another alias is used in every place but the destination column.
   const std::string aliased = parser.SQLConditionDestinazioni("N", "D", "T", "C", false, "Q");
   EXPECT_NE(aliased.find("FROM       MG2G_DESTAGEMUL Q WITH (NOLOCK)           "),
@@ -204,9 +193,7 @@ TEST_F(DestinazioniTest, NoAgentOrNoRestrictionGivesNothing) {
   EXPECT_EQ(BoxTags(), std::vector<std::string>{"SQLConditionDestinazioni"});
 }
 
-// ---------------------------------------------------------------------------
-// CliForRevocati
-
+// "company/code" of every row, sorted.
 std::vector<std::string> Codes(const std::shared_ptr<db::Recordset>& rows) {
   std::vector<std::string> codes;
   for (; !rows->EOF(); rows->MoveNext()) {
@@ -224,8 +211,10 @@ TEST_F(CliForTest, CliForRevocatiComparesTheKindWithTheAgent) {
   auto rows = parser.CliForRevocati();
   ASSERT_NE(rows, nullptr);
   EXPECT_EQ(parser.CodiceUtente(), "ROSSI");
-  ASSERT_EQ(log->statements.size(), 2u);
-  EXPECT_EQ(log->statements[1], kCliForRevocatiRossi);
+  EXPECT_EQ(LastStatement(),
+            " SELECT CG44_CLIFOR.*  FROM VFW32_LISTACFREVOCATI  INNER JOIN CG44_CLIFOR ON RVKDITTA "
+            "= CG44_DITTA_CG18       AND RVKTIPOCF = CG44_TIPOCF      AND RVKCLIFOR = CG44_CLIFOR  "
+            "WHERE RVKUTENTE = 5       AND CG44_TIPOCF = 0");
   EXPECT_EQ(Codes(rows),
             (std::vector<std::string>{"1/10", "1/11", "1/2", "1/5", "1/6", "1/7", "1/8", "1/9"}));
   // The blank agent stays normalised to the number 0.
@@ -238,14 +227,13 @@ TEST_F(CliForTest, CliForRevocatiComparesTheKindWithTheAgent) {
 
 TEST_F(CliForTest, CliForRevocatiForZentAdWithoutConnectionAndOnFailure) {
   // ZentAd still queries (and finds nothing revoked).
-  auto admin = Other("ZentAd", "SYS");
-  auto rows = admin->CliForRevocati();
+  auto rows = Other("ZentAd")->CliForRevocati();
   ASSERT_NE(rows, nullptr);
   EXPECT_TRUE(rows->EOF());
-  EXPECT_EQ(log->statements.size(), 2u);
-  EXPECT_EQ(Other("ROSSI", "VEN", Variant(int32_t{1}), false)->CliForRevocati(), nullptr);
+  EXPECT_EQ(Statements().size(), 2U);
+  EXPECT_EQ(Other("ROSSI", Variant(int32_t{1}), false)->CliForRevocati(), nullptr);
   EXPECT_TRUE(Boxes().empty());
-  AsRossi();
+  AsUser("ROSSI");
   db->Execute("DROP VIEW VFW32_LISTACFREVOCATI");
   EXPECT_EQ(parser.CliForRevocati(), nullptr);
   EXPECT_EQ(BoxTags(), std::vector<std::string>{"CliForRevocati"});
