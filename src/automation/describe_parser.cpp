@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "automation/class_builder.h"
 #include "automation/describe_user_context.h"
@@ -14,72 +16,101 @@
 
 namespace zarvik::automation {
 
-// The rights records travel as record objects with their named fields.
-namespace {
-Variant Flag(int16_t value) { return Variant::Boolean(value != 0); }
-}  // namespace
+// The rights records travel as record objects with their named fields. One
+// field table per record serves both its description and its conversion.
+template <typename Record>
+struct RightsField {
+  const char* name;
+  int16_t Record::*member;
+};
+
+template <typename Record>
+struct RightsLayout;
 
 template <>
-struct VariantConverter<tsRvkTipiMov> {
-  static Variant To(const tsRvkTipiMov& r) {
-    return MakeRecord("tsRvkTipiMov", {{"Cons", Flag(r.Cons)},
-                                       {"DaCons", Flag(r.DaCons)},
-                                       {"Prev", Flag(r.Prev)},
-                                       {"PrevSim", Flag(r.PrevSim)}});
-  }
+struct RightsLayout<tsRvkTipiMov> {
+  static constexpr const char* kName = "tsRvkTipiMov";
+  static constexpr RightsField<tsRvkTipiMov> kFields[] = {{"Cons", &tsRvkTipiMov::Cons},
+                                                          {"DaCons", &tsRvkTipiMov::DaCons},
+                                                          {"Prev", &tsRvkTipiMov::Prev},
+                                                          {"PrevSim", &tsRvkTipiMov::PrevSim}};
 };
 template <>
-struct VariantConverter<tsRvkFamiglia> {
-  static Variant To(const tsRvkFamiglia& r) {
-    return MakeRecord("tsRvkFamiglia", {{"rvkExists", Flag(r.rvkExists)},
-                                        {"CanDelete", Flag(r.CanDelete)},
-                                        {"CanUpdate", Flag(r.CanUpdate)},
-                                        {"CanInsert", Flag(r.CanInsert)}});
-  }
+struct RightsLayout<tsRvkFamiglia> {
+  static constexpr const char* kName = "tsRvkFamiglia";
+  static constexpr RightsField<tsRvkFamiglia> kFields[] = {
+      {"rvkExists", &tsRvkFamiglia::rvkExists},
+      {"CanDelete", &tsRvkFamiglia::CanDelete},
+      {"CanUpdate", &tsRvkFamiglia::CanUpdate},
+      {"CanInsert", &tsRvkFamiglia::CanInsert}};
 };
 template <>
-struct VariantConverter<tsRvkConsMov> {
-  static Variant To(const tsRvkConsMov& r) {
-    return MakeRecord("tsRvkConsMov",
-                      {{"DaCons_Cons", Flag(r.DaCons_Cons)}, {"Prev_Cons", Flag(r.Prev_Cons)}});
-  }
+struct RightsLayout<tsRvkConsMov> {
+  static constexpr const char* kName = "tsRvkConsMov";
+  static constexpr RightsField<tsRvkConsMov> kFields[] = {
+      {"DaCons_Cons", &tsRvkConsMov::DaCons_Cons}, {"Prev_Cons", &tsRvkConsMov::Prev_Cons}};
 };
 template <>
-struct VariantConverter<tsRvkDocumenti> {
-  static Variant To(const tsRvkDocumenti& r) {
-    return MakeRecord("tsRvkDocumenti", {{"rvkExists", Flag(r.rvkExists)},
-                                         {"CanDelete", Flag(r.CanDelete)},
-                                         {"CanUpdate", Flag(r.CanUpdate)},
-                                         {"CanInsert", Flag(r.CanInsert)}});
-  }
+struct RightsLayout<tsRvkDocumenti> {
+  static constexpr const char* kName = "tsRvkDocumenti";
+  static constexpr RightsField<tsRvkDocumenti> kFields[] = {
+      {"rvkExists", &tsRvkDocumenti::rvkExists},
+      {"CanDelete", &tsRvkDocumenti::CanDelete},
+      {"CanUpdate", &tsRvkDocumenti::CanUpdate},
+      {"CanInsert", &tsRvkDocumenti::CanInsert}};
 };
 template <>
-struct VariantConverter<tsRvkConfig> {
-  static Variant To(const tsRvkConfig& r) {
-    return MakeRecord("tsRvkConfig", {{"Abilitato", Flag(r.Abilitato)},
-                                      {"CanDelete", Flag(r.CanDelete)},
-                                      {"CanUpdate", Flag(r.CanUpdate)},
-                                      {"CanInsert", Flag(r.CanInsert)}});
+struct RightsLayout<tsRvkConfig> {
+  static constexpr const char* kName = "tsRvkConfig";
+  static constexpr RightsField<tsRvkConfig> kFields[] = {{"Abilitato", &tsRvkConfig::Abilitato},
+                                                         {"CanDelete", &tsRvkConfig::CanDelete},
+                                                         {"CanUpdate", &tsRvkConfig::CanUpdate},
+                                                         {"CanInsert", &tsRvkConfig::CanInsert}};
+};
+
+// A record as a record object: each field an automation Boolean.
+template <typename Record>
+struct RightsConverter {
+  static Variant To(const Record& r) {
+    std::vector<std::pair<std::string, Variant>> fields;
+    for (const auto& field : RightsLayout<Record>::kFields) {
+      fields.emplace_back(field.name, Variant::Boolean(r.*field.member != 0));
+    }
+    return MakeRecord(RightsLayout<Record>::kName, fields);
   }
 };
+
+template <>
+struct VariantConverter<tsRvkTipiMov> : RightsConverter<tsRvkTipiMov> {};
+template <>
+struct VariantConverter<tsRvkFamiglia> : RightsConverter<tsRvkFamiglia> {};
+template <>
+struct VariantConverter<tsRvkConsMov> : RightsConverter<tsRvkConsMov> {};
+template <>
+struct VariantConverter<tsRvkDocumenti> : RightsConverter<tsRvkDocumenti> {};
+template <>
+struct VariantConverter<tsRvkConfig> : RightsConverter<tsRvkConfig> {};
 
 namespace {
 
 using Parser = CLSFW_PARSER;
 
-// Records of rights (tsRvk*) returned by the rights methods: their
-// RecordDescription entries and VariantConverter specialisations go here.
+template <typename Record>
+void DescribeRecord(TypeLibrary& library) {
+  RecordDescription description{RightsLayout<Record>::kName, {}};
+  for (const auto& field : RightsLayout<Record>::kFields) {
+    description.fields.push_back({field.name, types::Boolean()});
+  }
+  library.records.push_back(std::move(description));
+}
+
+// Records of rights (tsRvk*) returned by the rights methods.
 void DescribeParserRecords(TypeLibrary& library) {
-  auto record = [&library](const char* name, std::initializer_list<const char*> fields) {
-    RecordDescription description{name, {}};
-    for (const char* field : fields) description.fields.push_back({field, types::Boolean()});
-    library.records.push_back(std::move(description));
-  };
-  record("tsRvkTipiMov", {"Cons", "DaCons", "Prev", "PrevSim"});
-  record("tsRvkFamiglia", {"rvkExists", "CanDelete", "CanUpdate", "CanInsert"});
-  record("tsRvkConsMov", {"DaCons_Cons", "Prev_Cons"});
-  record("tsRvkDocumenti", {"rvkExists", "CanDelete", "CanUpdate", "CanInsert"});
-  record("tsRvkConfig", {"Abilitato", "CanDelete", "CanUpdate", "CanInsert"});
+  DescribeRecord<tsRvkTipiMov>(library);
+  DescribeRecord<tsRvkFamiglia>(library);
+  DescribeRecord<tsRvkConsMov>(library);
+  DescribeRecord<tsRvkDocumenti>(library);
+  DescribeRecord<tsRvkConfig>(library);
 }
 
 // ElaboraStrSQL (src/parser/rewriter/).
