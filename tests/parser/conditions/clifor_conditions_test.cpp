@@ -48,43 +48,33 @@ TEST_F(CliForTest, ColumnsFollowThePrefixTheScannerStateAndTheArguments) {
   const struct {
     const char *pref_tabella, *current_alias;
     bool from_rewriter;
-    std::vector<std::string> args;     // ditta, tipo_cf, cli_for as given
-    std::vector<std::string> columns;  // ... as used
+    const char* tipo_cf;              // the kind column given ("" for the default)
+    std::string ditta, tipo, clifor;  // the columns used
   } cases[] = {
-      {"CG44",
-       "",
-       true,
-       {"", "", ""},
-       {"CG44_CLIFOR.CG44_DITTA_CG18", "CG44_CLIFOR.CG44_TIPOCF", "CG44_CLIFOR.CG44_CLIFOR"}},
+      {"CG44", "", true, "", "CG44_CLIFOR.CG44_DITTA_CG18", "CG44_CLIFOR.CG44_TIPOCF",
+       "CG44_CLIFOR.CG44_CLIFOR"},
       // The alias wins over the rewriter, even the from-list blank.
-      {"Cg44", "C.", true, {"", "", ""}, {"C.CG44_DITTA_CG18", "C.CG44_TIPOCF", "C.CG44_CLIFOR"}},
-      {"CG44", " ", true, {"", "", ""}, {" CG44_DITTA_CG18", " CG44_TIPOCF", " CG44_CLIFOR"}},
-      {"do11",
-       "X.",
-       true,
-       {"", "", ""},
-       {"DO11_DITTACF_CG44", "DO11_TIPOCF_CG44", "DO11_CLIFOR_CG44"}},
-      // Any other prefix keeps its case, with the default names' trailing blanks.
-      {"Mg36",
-       "",
-       false,
-       {"", "", ""},
-       {"Mg36_DITTA_CG18  ", "Mg36_TIPOCF_CG44 ", "Mg36_CLIFOR_CG44 "}},
-      {"CG44", "C.", true, {"D.DITTA", "D.TIPO", "D.CODICE"}, {"D.DITTA", "D.TIPO", "D.CODICE"}},
-      {"MG36",
-       "",
-       false,
-       {"", "T.TIPOCF", ""},
-       {"MG36_DITTA_CG18  ", "T.TIPOCF", "MG36_CLIFOR_CG44 "}},
+      {"Cg44", "C.", true, "", "C.CG44_DITTA_CG18", "C.CG44_TIPOCF", "C.CG44_CLIFOR"},
+      {"CG44", " ", true, "", " CG44_DITTA_CG18", " CG44_TIPOCF", " CG44_CLIFOR"},
+      {"do11", "X.", true, "", "DO11_DITTACF_CG44", "DO11_TIPOCF_CG44", "DO11_CLIFOR_CG44"},
+      // Any other prefix keeps its case, with the default names' trailing
+      // blanks; a column given replaces its default only.
+      {"Mg36", "", false, "", "Mg36_DITTA_CG18  ", "Mg36_TIPOCF_CG44 ", "Mg36_CLIFOR_CG44 "},
+      {"MG36", "", false, "T.TIPOCF", "MG36_DITTA_CG18  ", "T.TIPOCF", "MG36_CLIFOR_CG44 "},
   };
   AsUnknownUserWithId(12);
   for (const auto& c : cases) {
     RewriterProbe::SetCurrentAlias(parser, c.current_alias);
     RewriterProbe::SetFromRewriter(parser, c.from_rewriter);
-    EXPECT_EQ(parser.SQLConditionCliFor(c.pref_tabella, false, c.args[0], c.args[1], c.args[2]),
-              CliFor12(c.columns[0], c.columns[1], c.columns[2]))
+    EXPECT_EQ(parser.SQLConditionCliFor(c.pref_tabella, false, "", c.tipo_cf, ""),
+              CliFor12(c.ditta, c.tipo, c.clifor))
         << c.pref_tabella << " alias '" << c.current_alias << "'";
   }
+  // All three given: used as they are, whatever the alias.
+  RewriterProbe::SetCurrentAlias(parser, "C.");
+  RewriterProbe::SetFromRewriter(parser, true);
+  EXPECT_EQ(parser.SQLConditionCliFor("CG44", false, "D.DITTA", "D.TIPO", "D.CODICE"),
+            CliFor12("D.DITTA", "D.TIPO", "D.CODICE"));
 }
 
 TEST_F(CliForTest, PrivilegedCustomerSupplierCodeGivesNothingWithoutQuery) {

@@ -52,28 +52,10 @@ int32_t ErrorNumberOf(const std::function<void()>& body) {
   return 0;
 }
 
-TEST(StatementScanner, PositionsAreSixteenBit) {
-  EXPECT_EQ(Pos16(32767), 32767);
-  EXPECT_EQ(Pos16(-32768), -32768);
-  EXPECT_EQ(ErrorNumberOf([] { Pos16(32768); }), vberr::kOverflow);
-}
-
-TEST(LastOrderByPos, FindsTheLastOrderByWithAnyNonWordCharactersBetween) {
-  const std::vector<std::pair<std::string, int16_t>> cases = {
-      {"SELECT A FROM T ORDER BY A", 17},
-      {"ORDER\r\nBY X", 1},  // line breaks are non-word characters
-      {"(ORDER BY)", 2},
-      {"A ORDER BY B ORDER BY C", 14},  // the last one
-      {"ORDERBY", 0},                   // at least one non-word character between
-      {"XORDER BY", 0},                 // ORDER must start a word
-      {"ORDER BY_", 0},                 // '_' is a word character
-      {"ORDER x BY", 0},                // no word may stand between
-  };
-  for (const auto& [text, expected] : cases) EXPECT_EQ(LastOrderByPos(text), expected) << text;
-  // Only the last match is converted to 16 bits.
+TEST(LastOrderByPos, OnlyTheLastMatchIsConvertedTo16Bits) {
   EXPECT_EQ(ErrorNumberOf([] { LastOrderByPos(std::string(40000, 'x') + " ORDER BY A"); }),
             vberr::kOverflow);
-  EXPECT_EQ(LastOrderByPos("ORDER BY A " + std::string(40000, 'x')), 1);
+  EXPECT_EQ(LastOrderByPos("A ORDER BY B ORDER BY C " + std::string(40000, 'x')), 14);
 }
 
 // The hand-written matcher answers what the regular expression answers.
@@ -97,48 +79,14 @@ TEST(LastOrderByPos, AgreesWithTheRegularExpression) {
   }
 }
 
-TEST(StatementScanner, NextNonBlankAfterWordAndQuotes) {
-  const struct {
-    std::string text;
-    int16_t pos;
-    std::string expected;
-  } cases[] = {
-      {"SELECT * FROM (SELECT 1) X", 13, "("},
-      {"SELECT * FROM   T1", 13, "T"},
-      {"SELECT * FROM   T", 13, ""},  // the last character of the text is not answered
-      {"SELECT * FROM", 13, ""},
-      // A blank at pos restarts at position 1 (deliberate): the scan then
-      // answers the second character, not the word after the blank.
-      {"AB CD EF", 3, "B"},
-      {"A  B", 3, ""},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(NextNonBlankAfterWord(c.text, c.pos), c.expected) << c.text << " @" << c.pos;
-  }
-  EXPECT_TRUE(ReadsDerivedTable("SELECT * FROM   ( SELECT A FROM T) X", 13));
-  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM T, (SELECT A FROM U) X", 13));
-  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM (", 13));  // "(" as the last character
-  // Apostrophes counted before a 0-based position.
-  const std::string text = "a 'b' c";
-  for (int pos : {0, 2, 5, 100}) EXPECT_FALSE(IsInsideQuotes(text, pos)) << pos;
-  for (int pos : {3, 4}) EXPECT_TRUE(IsInsideQuotes(text, pos)) << pos;
-}
-
-TEST(StatementScanner, CutAtUnionCutsBeforeTheFirstUnionOutsideQuotes) {
-  std::string s = "SELECT A FROM T UNION SELECT B FROM U UNION SELECT C FROM V";
-  UnionCut cut = CutAtUnion(s);
-  EXPECT_TRUE(cut.has_union);
-  EXPECT_EQ(s, "SELECT A FROM T ");
-  // The next segment begins with UNION: the search starts at position 2.
-  s = cut.rest;
-  cut = CutAtUnion(s);
-  EXPECT_EQ(s, "UNION SELECT B FROM U ");
-  EXPECT_EQ(cut.rest, "UNION SELECT C FROM V");
-  s = "SELECT A FROM T WHERE X = 'UNION'";
-  EXPECT_FALSE(CutAtUnion(s).has_union);
-  EXPECT_EQ(s, "SELECT A FROM T WHERE X = 'UNION'");
-  s = "select a from t union all select b from u";
-  EXPECT_EQ(CutAtUnion(s).rest, "union all select b from u");
+TEST(StatementScanner, NextNonBlankAfterWordSkipsTheWordAtPosThenTheBlanks) {
+  EXPECT_EQ(NextNonBlankAfterWord("SELECT * FROM   T1", 13), "T");
+  // The last character of the text is not answered.
+  EXPECT_EQ(NextNonBlankAfterWord("SELECT * FROM   T", 13), "");
+  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM (", 13));
+  // A blank at pos restarts at position 1 (deliberate): the scan then
+  // answers the second character, not the word after the blank.
+  EXPECT_EQ(NextNonBlankAfterWord("AB CD EF", 3), "B");
 }
 
 TEST(StatementScanner, FindMainFromPassesOverTheFromsOfSelectListSubQueries) {
