@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "../parser_test_support.h"
@@ -55,18 +56,13 @@ TEST(ElaboraStrSQL, FirstAliasQualifiesTheFromListAndTheJoinKeepsItsOwn) {
                 Where("D.MG36_INDSTAPER = 0") + kMG36 + " AND " + CliForCondition("C."));
   EXPECT_EQ(report.outcome, rewriter::ScanOutcome::kRewritten);
   ASSERT_EQ(report.tables.size(), 2U);
-  const struct {
-    const char* prefix;
-    rewriter::TableSource source;
-    const char* alias;
-    std::string condition;
-  } expected[] = {{"MG36", rewriter::TableSource::kFromList, "D.", " AND " + kMG36},
-                  {"CG44", rewriter::TableSource::kJoin, "C.", " AND " + CliForCondition("C.")}};
-  for (size_t i = 0; i < 2; ++i) {
-    EXPECT_EQ(report.tables[i].prefix, expected[i].prefix);
-    EXPECT_EQ(report.tables[i].source, expected[i].source);
-    EXPECT_EQ(report.tables[i].alias, expected[i].alias);
-    EXPECT_EQ(report.tables[i].condition, expected[i].condition);
+  for (const auto& [table, prefix, source, alias, condition] :
+       {std::tuple{report.tables[0], "MG36", rewriter::TableSource::kFromList, "D.", kMG36},
+        std::tuple{report.tables[1], "CG44", rewriter::TableSource::kJoin, "C.",
+                   CliForCondition("C.")}}) {
+    EXPECT_EQ(table.prefix + "|" + table.alias + "|" + table.condition,
+              prefix + std::string("|") + alias + "| AND " + condition);
+    EXPECT_EQ(table.source, source);
   }
   // The shared state is reset at the end of the segment.
   EXPECT_FALSE(RewriterProbe::CliForDone(rossi.parser));
