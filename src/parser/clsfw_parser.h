@@ -296,9 +296,6 @@ class CLSFW_PARSER : public UserContextProperties {
   std::string RvkAreeCategorie(const std::string& table_prefix);
 
   // --- Private operations of the condition builders -------------------------
-  // Tests of the condition builders set the scanner state (CurrentAlias,
-  // FromRewriter) that the customer/supplier condition reads.
-  friend class ConditionScannerStateForTest;
   // The agent rule of the statement rewriter: " MG17_IDAGENTE = '" +
   // CodiceAgente + "' ", or "" when CodiceAgente is blank. Runs no query.
   std::string AgentRule() const;
