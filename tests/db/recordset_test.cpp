@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,9 @@ struct FilterCase {
   const char* criteria;
   std::vector<std::string> names;
 };
+
+// Shows the criteria in test names and failures.
+void PrintTo(const FilterCase& c, std::ostream* out) { *out << c.criteria; }
 
 class RecordsetFilterTest : public ::testing::TestWithParam<FilterCase> {};
 

@@ -1,6 +1,7 @@
 // Splitting the demo SQL files into statements.
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,8 @@ struct SplitCase {
   std::string script;
   std::vector<std::string> statements;
 };
+
+void PrintTo(const SplitCase& c, std::ostream* out) { *out << c.what; }
 
 class SplitSqlScriptTest : public ::testing::TestWithParam<SplitCase> {};
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -32,6 +33,8 @@ struct WrapCase {
   size_t width;
   std::vector<std::string> lines;
 };
+
+void PrintTo(const WrapCase& c, std::ostream* out) { *out << c.width << " columns: " << c.text; }
 
 class WrapTextTest : public ::testing::TestWithParam<WrapCase> {};
 

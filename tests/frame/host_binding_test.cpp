@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -56,6 +57,8 @@ struct BindingCase {
 constexpr int32_t kIdBefore = 77;
 const char* const kCodeBefore = "PRIMA";
 const char* const kGroupBefore = "GRP";
+
+void PrintTo(const BindingCase& c, std::ostream* out) { *out << c.name; }
 
 class HostBindingTest : public ::testing::TestWithParam<BindingCase> {};
 
