@@ -191,4 +191,18 @@ void InitDemoDatabase(const std::string& path) {
   }
 }
 
+std::vector<std::vector<Variant>> QueryRows(db::Connection& db, const std::string& sql) {
+  std::vector<std::vector<Variant>> rows;
+  const auto rs = db.Execute(sql, db::kCmdText);
+  if (rs->State() != db::kStateOpen) return rows;
+  while (!rs->EOF()) {
+    std::vector<Variant> row;
+    for (int c = 0; c < rs->FieldCount(); ++c) row.push_back(rs->Fields(c));
+    rows.push_back(std::move(row));
+    rs->MoveNext();
+  }
+  rs->Close();
+  return rows;
+}
+
 }  // namespace zarvik::demo

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "db/connection.h"
+#include "platform/variant.h"
 
 namespace zarvik::demo {
 
@@ -79,6 +80,9 @@ void InitDemoDatabase(const std::string& path);
 
 // The connection string of the embedded engine for a database file.
 std::string DemoConnectionString(const std::string& path);
+
+// All rows of a query, each as its field values in column order.
+std::vector<std::vector<Variant>> QueryRows(db::Connection& db, const std::string& sql);
 
 }  // namespace zarvik::demo
 

@@ -8,7 +8,6 @@
 
 #include "db/connection.h"
 #include "demo/demo_db.h"
-#include "demo/tour.h"
 
 namespace zarvik::demo::testing {
 

@@ -12,7 +12,6 @@
 #include "db/connection.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
-#include "demo/tour.h"
 #include "filtroquery/clsfw_filtroquery.h"
 #include "frame/frame_test_support.h"
 #include "platform/variant.h"

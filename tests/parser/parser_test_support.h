@@ -15,7 +15,6 @@
 #include "db/connection.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
-#include "demo/tour.h"
 #include "parser/clsfw_parser.h"
 #include "platform/env.h"
 #include "platform/message_sink.h"

@@ -14,7 +14,6 @@
 #include "db/connection.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
-#include "demo/tour.h"
 #include "frame/frame_test_support.h"
 #include "platform/env.h"
 #include "platform/message_sink.h"

@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "automation/check_scene.h"
-#include "automation/cli.h"
-#include "automation/condition_scene.h"
-#include "automation/query_filter_scene.h"
-#include "automation/rewrite_scene.h"
+#include "cli/check_scene.h"
+#include "cli/cli.h"
+#include "cli/condition_scene.h"
+#include "cli/frame_scene.h"
+#include "cli/query_filter_scene.h"
+#include "cli/rewrite_scene.h"
+#include "cli/text_table.h"
+#include "cli/tour.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
-#include "demo/frame_scene.h"
-#include "demo/text_table.h"
-#include "demo/tour.h"
 #include "platform/env.h"
 #include "platform/vb_error.h"
 #include "rvkusers/clsfw_rvkusers.h"
@@ -45,7 +45,7 @@ class SceneClock : public Clock {
 // scene runs on a private in-memory copy of the demo database so that the
 // tour (and a demo file given with --db) stays as it was; the component's
 // clock and the database's KVL_GETDATE are set to each moment.
-void ShowLockOutScene(demo::TourContext& tour) {
+void ShowLockOutScene(TourContext& tour) {
   const auto database = demo::OpenDemoDatabase(":memory:");
   const auto log = std::make_shared<db::StatementLog>();
   database->SetStatementLog(log);
@@ -70,7 +70,7 @@ void ShowLockOutScene(demo::TourContext& tour) {
   auto locked = [&]() {
     return first_value("SELECT FW07_FLGREVOKE FROM FW07_APPUSER WHERE FW07_ID = 10");
   };
-  demo::TextTable table({"TIME", "RISULTATO", "AFTER", "ISREVOKED", "COUNTED", "LOCKED", "NOTE"});
+  TextTable table({"TIME", "RISULTATO", "AFTER", "ISREVOKED", "COUNTED", "LOCKED", "NOTE"});
   auto attempt = [&](int hour, int minute, int16_t outcome, const char* note) {
     const std::string time = set_time(hour, minute);
     log->statements.clear();
@@ -113,8 +113,8 @@ void ShowLockOutScene(demo::TourContext& tour) {
 }
 
 // Scenes of the component's classes, shown after the tour of the data.
-const demo::TourScene kClassScenes[] = {
-    {"User context and guard", demo::ShowUserContextScene},
+const TourScene kClassScenes[] = {
+    {"User context and guard", ShowUserContextScene},
     {"Login lock-out", ShowLockOutScene},
     {"Condition predicates", ShowConditionScene},
     {"Query filter dialog", ShowQueryFilterScene},
@@ -147,9 +147,9 @@ int RunDemo(const Args& args, Streams io) {
   try {
     const auto connection = demo::OpenDemoDatabase(path);
     io.out << "Demo database: " << (file ? path : "in memory") << "\n\n";
-    demo::TourContext tour{*connection, io.out};
-    demo::RunTour(tour);
-    for (const demo::TourScene& scene : kClassScenes) demo::ShowScene(scene, tour);
+    TourContext tour{*connection, io.out};
+    RunTour(tour);
+    for (const TourScene& scene : kClassScenes) ShowScene(scene, tour);
     connection->Close();
   } catch (const VbError& e) {
     io.err << "zarvik demo: " << e.Number() << " - " << e.Description() << "\n";

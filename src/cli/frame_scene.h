@@ -1,16 +1,16 @@
 // The tour scene of the revocation frame: which application user each
 // object resolves, and what the guard does for the privileged user and for
 // a disabled context.
-#ifndef ZARVIK_DEMO_FRAME_SCENE_H_
-#define ZARVIK_DEMO_FRAME_SCENE_H_
+#ifndef ZARVIK_CLI_FRAME_SCENE_H_
+#define ZARVIK_CLI_FRAME_SCENE_H_
 
-#include "demo/tour.h"
+#include "cli/tour.h"
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 
 // Body of the scene (register it in TourScenes() with its title).
 void ShowUserContextScene(TourContext& tour);
 
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli
 
-#endif  // ZARVIK_DEMO_FRAME_SCENE_H_
+#endif  // ZARVIK_CLI_FRAME_SCENE_H_

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "automation/cli.h"
+#include "cli/cli.h"
 #include "demo/demo_db.h"
 
 namespace zarvik {

@@ -1,9 +1,9 @@
-#include "demo/text_table.h"
+#include "cli/text_table.h"
 
 #include <algorithm>
 #include <ostream>
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 namespace {
 
 std::string RightTrimmed(std::string line) {
@@ -82,4 +82,4 @@ void PrintLabelled(std::ostream& out, const std::string& indent, const std::stri
   }
 }
 
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli

@@ -1,4 +1,4 @@
-#include "automation/condition_scene.h"
+#include "cli/condition_scene.h"
 
 #include <functional>
 #include <memory>
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/text_table.h"
 #include "demo/demo_db.h"
-#include "demo/text_table.h"
 #include "parser/clsfw_parser.h"
 #include "platform/env.h"
 
@@ -30,7 +30,7 @@ std::string Joined(const std::vector<std::vector<Variant>>& rows) {
 
 }  // namespace
 
-void ShowConditionScene(demo::TourContext& tour) {
+void ShowConditionScene(TourContext& tour) {
   const auto database = demo::OpenDemoDatabase(":memory:");
   CLSFW_PARSER parser(Env{DefaultMessageSink(), std::make_shared<SystemClock>()});
   parser.SetConnectionADO(database);
@@ -81,9 +81,9 @@ void ShowConditionScene(demo::TourContext& tour) {
     const auto kept = demo::QueryRows(*database, line.statement + line.predicate(parser) + order);
     const auto all = demo::QueryRows(*database, line.statement + order);
     tour.out << "  " << line.call << "\n";
-    demo::PrintLabelled(tour.out, "      ",
-                        std::to_string(kept.size()) + " of " + std::to_string(all.size()) + ":", 8,
-                        Joined(kept), 100);
+    PrintLabelled(tour.out, "      ",
+                  std::to_string(kept.size()) + " of " + std::to_string(all.size()) + ":", 8,
+                  Joined(kept), 100);
   }
 
   tour.out << "\n  The list conditions read the revoked codes first and return the list:\n"

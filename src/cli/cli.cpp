@@ -1,4 +1,4 @@
-#include "automation/cli.h"
+#include "cli/cli.h"
 
 #include <iostream>
 

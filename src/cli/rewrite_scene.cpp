@@ -1,4 +1,4 @@
-#include "automation/rewrite_scene.h"
+#include "cli/rewrite_scene.h"
 
 #include <algorithm>
 #include <memory>
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/text_table.h"
 #include "demo/demo_db.h"
-#include "demo/text_table.h"
 #include "parser/clsfw_parser.h"
 #include "platform/env.h"
 
@@ -56,7 +56,7 @@ std::string Rewritten(const std::shared_ptr<db::Connection>& database, const Sce
 
 }  // namespace
 
-void ShowRewriteScene(demo::TourContext& tour) {
+void ShowRewriteScene(TourContext& tour) {
   const auto database = demo::OpenDemoDatabase(":memory:");
   const std::vector<SceneUser> users = {{"ROSSI", "VEN", 1}, {"VERDI", "AMM", 1}};
   const std::vector<HostStatement> statements = {
@@ -85,7 +85,7 @@ void ShowRewriteScene(demo::TourContext& tour) {
               "  still sees the row.\n";
   for (const HostStatement& s : statements) {
     tour.out << "\n  " << s.what << "\n";
-    demo::PrintLabelled(tour.out, "    ", "host:", 6, s.sql, kLineWidth);
+    PrintLabelled(tour.out, "    ", "host:", 6, s.sql, kLineWidth);
     const std::vector<Row> all = Rows(*database, s.sql);
     std::vector<std::vector<Row>> kept;
     for (const SceneUser& user : users) {
@@ -94,7 +94,7 @@ void ShowRewriteScene(demo::TourContext& tour) {
     }
     std::vector<std::string> headings = s.headings;
     for (const SceneUser& user : users) headings.push_back(user.code);
-    demo::TextTable table(headings);
+    TextTable table(headings);
     for (const Row& row : all) {
       Row cells = row;
       for (const auto& user_rows : kept) {
@@ -117,7 +117,7 @@ void ShowRewriteScene(demo::TourContext& tour) {
   tour.out << "\n  The first statement as ElaboraStrSQL returns it for ROSSI: the project\n"
               "  condition is appended and ORDER BY is put back at the end (wrapped here;\n"
               "  `zarvik rewrite --user ROSSI \"...\"` prints it blank for blank):\n";
-  demo::PrintLabelled(tour.out, "    ", "", 0, rossi, kLineWidth);
+  PrintLabelled(tour.out, "    ", "", 0, rossi, kLineWidth);
   database->Close();
 }
 

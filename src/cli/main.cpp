@@ -1,7 +1,7 @@
 // The zarvik command: see `zarvik help`.
 #include <iostream>
 
-#include "automation/cli.h"
+#include "cli/cli.h"
 
 int main(int argc, char** argv) {
   return zarvik::cli::Main(argc, argv, std::cin, std::cout, std::cerr);

@@ -1,6 +1,6 @@
 // The zarvik command line: one sub-command per job.
-#ifndef ZARVIK_AUTOMATION_CLI_H_
-#define ZARVIK_AUTOMATION_CLI_H_
+#ifndef ZARVIK_CLI_CLI_H_
+#define ZARVIK_CLI_CLI_H_
 
 #include <iosfwd>
 #include <string>
@@ -29,4 +29,4 @@ int RunRewrite(const Args& args, Streams io);
 
 }  // namespace zarvik::cli
 
-#endif  // ZARVIK_AUTOMATION_CLI_H_
+#endif  // ZARVIK_CLI_CLI_H_

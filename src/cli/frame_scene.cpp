@@ -1,17 +1,17 @@
-#include "demo/frame_scene.h"
+#include "cli/frame_scene.h"
 
 #include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "cli/text_table.h"
 #include "db/tracing.h"
-#include "demo/text_table.h"
 #include "filtroquery/clsfw_filtroquery.h"
 #include "parser/clsfw_parser.h"
 #include "platform/message_sink.h"
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 namespace {
 
 constexpr int kGuardRuns = 3;
@@ -89,4 +89,4 @@ void ShowUserContextScene(TourContext& tour) {
            << lookup.substr(0, where) << "\n    " << lookup.substr(where) << "\n";
 }
 
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli

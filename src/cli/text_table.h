@@ -1,12 +1,12 @@
 // Plain-text tables and wrapped label/text lines for the tour.
-#ifndef ZARVIK_DEMO_TEXT_TABLE_H_
-#define ZARVIK_DEMO_TEXT_TABLE_H_
+#ifndef ZARVIK_CLI_TEXT_TABLE_H_
+#define ZARVIK_CLI_TEXT_TABLE_H_
 
 #include <iosfwd>
 #include <string>
 #include <vector>
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 
 // Columns separated by two blanks, each as wide as its widest cell; the
 // header is underlined with dashes. Cells are left-aligned unless their
@@ -35,6 +35,6 @@ std::vector<std::string> WrapText(const std::string& text, size_t width);
 void PrintLabelled(std::ostream& out, const std::string& indent, const std::string& label,
                    size_t label_width, const std::string& text, size_t line_width);
 
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli
 
-#endif  // ZARVIK_DEMO_TEXT_TABLE_H_
+#endif  // ZARVIK_CLI_TEXT_TABLE_H_

@@ -5,7 +5,7 @@
 #include <ostream>
 #include <string>
 
-#include "automation/cli.h"
+#include "cli/cli.h"
 #include "db/connection.h"
 #include "demo/demo_db.h"
 #include "frame/sql_text.h"

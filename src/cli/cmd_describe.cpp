@@ -2,9 +2,9 @@
 // IDL-like text.
 #include <ostream>
 
-#include "automation/cli.h"
 #include "automation/idl_text.h"
 #include "automation/type_library.h"
+#include "cli/cli.h"
 
 namespace zarvik::cli {
 

@@ -1,5 +1,5 @@
 // Text layout of the tour.
-#include "demo/text_table.h"
+#include "cli/text_table.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 namespace {
 
 TEST(TextTable, ColumnsAreAsWideAsTheirWidestCellAndRightAlignedOnRequest) {
@@ -64,4 +64,4 @@ TEST(PrintLabelled, LabelLongerThanItsWidthStillGetsTwoBlanks) {
 }
 
 }  // namespace
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli

@@ -1,15 +1,18 @@
 // The revocation summary and the `zarvik demo` command.
+#include "cli/tour.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "automation/cli.h"
-#include "demo/revocation_kinds.h"
-#include "demo_test_support.h"
+#include "cli/cli.h"
+#include "cli/revocation_kinds.h"
+#include "demo/demo_test_support.h"
 
-namespace zarvik::demo {
+namespace zarvik::cli {
+using namespace zarvik::demo;
 namespace {
 
 using testing::FirstColumn;
@@ -130,4 +133,4 @@ TEST(DemoCommand, UsageErrorsHelpAndAnUnopenableFile) {
 }
 
 }  // namespace
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli

@@ -1,14 +1,15 @@
-#include "demo/tour.h"
+#include "cli/tour.h"
 
 #include <algorithm>
 #include <map>
 #include <ostream>
 
+#include "cli/revocation_kinds.h"
+#include "cli/text_table.h"
 #include "demo/demo_db.h"
-#include "demo/revocation_kinds.h"
-#include "demo/text_table.h"
 
-namespace zarvik::demo {
+namespace zarvik::cli {
+using namespace zarvik::demo;
 namespace {
 
 constexpr size_t kLineWidth = 100;
@@ -381,20 +382,6 @@ void ShowBusinessTables(TourContext& tour) {
 
 }  // namespace
 
-std::vector<std::vector<Variant>> QueryRows(db::Connection& db, const std::string& sql) {
-  std::vector<std::vector<Variant>> rows;
-  const auto rs = db.Execute(sql, db::kCmdText);
-  if (rs->State() != db::kStateOpen) return rows;
-  while (!rs->EOF()) {
-    std::vector<Variant> row;
-    for (int c = 0; c < rs->FieldCount(); ++c) row.push_back(rs->Fields(c));
-    rows.push_back(std::move(row));
-    rs->MoveNext();
-  }
-  rs->Close();
-  return rows;
-}
-
 std::vector<SummaryLine> RevocationSummary(db::Connection& db, int32_t user_id) {
   const std::string id = std::to_string(user_id);
   const auto user = QueryRows(db, "SELECT FW07_FLGGRP FROM FW07_APPUSER WHERE FW07_ID = " + id);
@@ -429,4 +416,4 @@ void RunTour(TourContext& tour) {
   for (const TourScene& scene : TourScenes()) ShowScene(scene, tour);
 }
 
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli

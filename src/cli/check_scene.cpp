@@ -1,4 +1,4 @@
-#include "automation/check_scene.h"
+#include "cli/check_scene.h"
 
 #include <functional>
 #include <memory>
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/text_table.h"
 #include "demo/demo_db.h"
-#include "demo/text_table.h"
 #include "parser/checks/rights_records.h"
 #include "parser/clsfw_parser.h"
 #include "platform/env.h"
@@ -38,7 +38,7 @@ std::unique_ptr<CLSFW_PARSER> ParserFor(const std::shared_ptr<db::Connection>& d
 
 }  // namespace
 
-void ShowCheckScene(demo::TourContext& tour) {
+void ShowCheckScene(TourContext& tour) {
   const auto database = demo::OpenDemoDatabase(":memory:");
   const auto rossi = ParserFor(database, "VEN", "ROSSI");
   const auto zentad = ParserFor(database, "SYS", "ZentAd");
@@ -76,7 +76,7 @@ void ShowCheckScene(demo::TourContext& tour) {
   };
   tour.out << "  CLSFW_PARSER for ROSSI (group VEN) and for ZentAd in company 1, on a\n"
               "  private copy of the demo database. Block checks (True = blocked):\n\n";
-  demo::TextTable check_table({"CALL", "ROSSI", "ZentAd", "WHY (ROSSI)"});
+  TextTable check_table({"CALL", "ROSSI", "ZentAd", "WHY (ROSSI)"});
   for (const CheckLine& line : checks) {
     check_table.AddRow({line.call, line.check(*rossi) ? "True" : "False",
                         line.check(*zentad) ? "True" : "False", line.why});
@@ -84,7 +84,7 @@ void ShowCheckScene(demo::TourContext& tour) {
   check_table.Print(tour.out, "  ");
 
   tour.out << "\n  Rights records of ROSSI (yes = allowed):\n\n";
-  demo::TextTable rights({"CALL", "EXISTS/ENABLED", "DELETE", "UPDATE", "INSERT"});
+  TextTable rights({"CALL", "EXISTS/ENABLED", "DELETE", "UPDATE", "INSERT"});
   for (const char* code : {"NCV", "OCL", "DDT", "FTV"}) {
     std::string document = code;
     int16_t personalised = 0;

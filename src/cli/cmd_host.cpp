@@ -2,8 +2,8 @@
 // standard input and output.
 #include <ostream>
 
-#include "automation/cli.h"
 #include "automation/host_session.h"
+#include "cli/cli.h"
 
 namespace zarvik::cli {
 

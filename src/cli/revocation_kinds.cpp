@@ -1,6 +1,6 @@
-#include "demo/revocation_kinds.h"
+#include "cli/revocation_kinds.h"
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 
 const std::vector<RevocationKind>& RevocationKinds() {
   static const std::vector<RevocationKind> kinds = {
@@ -46,4 +46,4 @@ const RevocationKind* FindRevocationKind(int code) {
   return nullptr;
 }
 
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli

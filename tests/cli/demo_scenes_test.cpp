@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "automation/cli.h"
+#include "cli/cli.h"
 
 namespace zarvik::cli {
 namespace {

@@ -1,16 +1,16 @@
 // The condition builders' scene of `zarvik demo`: the predicates
 // CLSFW_PARSER gives an ordinary user, pasted into real statements.
-#ifndef ZARVIK_AUTOMATION_CONDITION_SCENE_H_
-#define ZARVIK_AUTOMATION_CONDITION_SCENE_H_
+#ifndef ZARVIK_CLI_CONDITION_SCENE_H_
+#define ZARVIK_CLI_CONDITION_SCENE_H_
 
-#include "demo/tour.h"
+#include "cli/tour.h"
 
 namespace zarvik::cli {
 
 // Runs on a private in-memory copy of the demo database (the tour's own
 // database, possibly a file, is not touched).
-void ShowConditionScene(demo::TourContext& tour);
+void ShowConditionScene(TourContext& tour);
 
 }  // namespace zarvik::cli
 
-#endif  // ZARVIK_AUTOMATION_CONDITION_SCENE_H_
+#endif  // ZARVIK_CLI_CONDITION_SCENE_H_

@@ -1,7 +1,7 @@
 // The tour of the demo database that `zarvik demo` prints: a list of
 // scenes, each a titled section.
-#ifndef ZARVIK_DEMO_TOUR_H_
-#define ZARVIK_DEMO_TOUR_H_
+#ifndef ZARVIK_CLI_TOUR_H_
+#define ZARVIK_CLI_TOUR_H_
 
 #include <cstdint>
 #include <iosfwd>
@@ -11,7 +11,7 @@
 #include "db/connection.h"
 #include "platform/variant.h"
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 
 struct TourContext {
   db::Connection& db;  // open on the demo database
@@ -43,9 +43,6 @@ struct SummaryLine {
 // Empty when nothing is revoked.
 std::vector<SummaryLine> RevocationSummary(db::Connection& db, int32_t user_id);
 
-// All rows of a query, each as its field values in column order.
-std::vector<std::vector<Variant>> QueryRows(db::Connection& db, const std::string& sql);
+}  // namespace zarvik::cli
 
-}  // namespace zarvik::demo
-
-#endif  // ZARVIK_DEMO_TOUR_H_
+#endif  // ZARVIK_CLI_TOUR_H_

@@ -2,7 +2,7 @@
 #include <ostream>
 #include <string>
 
-#include "automation/cli.h"
+#include "cli/cli.h"
 #include "demo/demo_db.h"
 #include "demo/demo_sql.h"
 #include "platform/vb_error.h"

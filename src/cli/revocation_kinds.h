@@ -1,11 +1,11 @@
 // Names of the revocation kinds (FW31_INDTIPO) and of what their scope
 // column FW31_DITTARAGG holds, for people reading the demo database.
-#ifndef ZARVIK_DEMO_REVOCATION_KINDS_H_
-#define ZARVIK_DEMO_REVOCATION_KINDS_H_
+#ifndef ZARVIK_CLI_REVOCATION_KINDS_H_
+#define ZARVIK_CLI_REVOCATION_KINDS_H_
 
 #include <vector>
 
-namespace zarvik::demo {
+namespace zarvik::cli {
 
 struct RevocationKind {
   int code;           // FW31_INDTIPO
@@ -20,6 +20,6 @@ const std::vector<RevocationKind>& RevocationKinds();
 // The kind with that code, or nullptr.
 const RevocationKind* FindRevocationKind(int code);
 
-}  // namespace zarvik::demo
+}  // namespace zarvik::cli
 
-#endif  // ZARVIK_DEMO_REVOCATION_KINDS_H_
+#endif  // ZARVIK_CLI_REVOCATION_KINDS_H_

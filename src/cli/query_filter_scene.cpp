@@ -1,4 +1,4 @@
-#include "automation/query_filter_scene.h"
+#include "cli/query_filter_scene.h"
 
 #include <algorithm>
 #include <memory>
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/text_table.h"
 #include "demo/demo_db.h"
-#include "demo/text_table.h"
 #include "filtroquery/clsfw_filtroquery.h"
 #include "platform/env.h"
 #include "platform/message_sink.h"
@@ -57,7 +57,7 @@ void PrintRow(std::ostream& out, const std::vector<std::string>& cells,
   std::vector<std::vector<std::string>> wrapped;
   size_t height = 0;
   for (size_t c = 0; c < cells.size(); ++c) {
-    wrapped.push_back(demo::WrapText(cells[c], widths[c]));
+    wrapped.push_back(WrapText(cells[c], widths[c]));
     height = std::max(height, wrapped.back().size());
   }
   for (size_t line = 0; line < height; ++line) {
@@ -87,7 +87,7 @@ std::string BoxLine(const std::string& text) {
 
 }  // namespace
 
-void ShowQueryFilterScene(demo::TourContext& tour) {
+void ShowQueryFilterScene(TourContext& tour) {
   const auto database = demo::OpenDemoDatabase(":memory:");
   const DialogUser rossi{"ROSSI", "VEN", Variant(), Variant(), "ROSSI"};
   const DialogUser agent{"GIALLI", "VEN", Variant(int32_t{12}), Variant(int32_t{1}),
@@ -149,7 +149,7 @@ void ShowQueryFilterScene(demo::TourContext& tour) {
   if (!boxes.empty()) {
     tour.out << "\n  Message boxes shown on the way:\n";
     for (const std::string& box : boxes) {
-      demo::PrintLabelled(tour.out, "    ", "-", 1, box, 100);
+      PrintLabelled(tour.out, "    ", "-", 1, box, 100);
     }
   }
   database->Close();
