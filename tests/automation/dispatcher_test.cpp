@@ -137,27 +137,32 @@ TEST_F(DispatcherTest, ArgumentsArriveInTheDeclaredType) {
   EXPECT_EQ(Call1("Flag", Variant(int32_t{5})).RawNumber(), -1);
 }
 
-TEST_F(DispatcherTest, ValuesThatCannotTakeTheTypeAreErrors) {
-  struct Case {
+TEST_F(DispatcherTest, CallsTheBoundaryCannotMakeAreErrors) {
+  const auto object = Variant(ObjectRef(std::make_shared<HostObject>()));
+  const Argument one{Variant(int32_t{1}), false};
+  const struct {
     const char* member;
-    Variant in;
+    std::vector<Argument> args;
     int32_t error;
+  } cases[] = {
+      {"Small", {{Variant(int32_t{40000}), false}}, vberr::kOverflow},
+      {"Small", {{Variant("abc"), false}}, vberr::kTypeMismatch},
+      {"Small", {{Variant::Null(), false}}, vberr::kTypeMismatch},
+      {"Text", {{object, false}}, vberr::kTypeMismatch},
+      {"ConnectionKind", {{object, false}}, vberr::kTypeMismatch},
+      {"ConnectionKind", {{Variant("DSN=x"), false}}, vberr::kTypeMismatch},
+      {"Nope", {}, vberr::kNotSupported},
+      {"Small", {}, vberr::kWrongArgCount},
+      {"Small", {one, one}, vberr::kWrongArgCount},
+      {"Opt", {Argument::Missing()}, kArgumentNotOptional},
   };
-  const std::vector<Case> cases = {
-      {"Small", Variant(int32_t{40000}), vberr::kOverflow},
-      {"Small", Variant("abc"), vberr::kTypeMismatch},
-      {"Small", Variant::Null(), vberr::kTypeMismatch},
-      {"Text", Variant(ObjectRef(std::make_shared<HostObject>())), vberr::kTypeMismatch},
-      {"ConnectionKind", Variant(ObjectRef(std::make_shared<HostObject>())), vberr::kTypeMismatch},
-      {"ConnectionKind", Variant("DSN=x"), vberr::kTypeMismatch},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(ErrorOf(c.member, {{c.in, false}}), c.error) << c.member;
-  }
+  for (const auto& c : cases) EXPECT_EQ(ErrorOf(c.member, c.args), c.error) << c.member;
   EXPECT_EQ(Call1("ConnectionKind", Variant::Nothing()).ToString(), "nothing");
   EXPECT_EQ(
       Call1("ConnectionKind", Variant(ObjectRef(std::make_shared<db::Connection>()))).ToString(),
       "connection");
+  // Property put on a property without a Let.
+  EXPECT_THROW(InvokePut(*cls_, &probe_, "Rights", Variant("x")), VbError);
 }
 
 TEST_F(DispatcherTest, ByReferenceArgumentsComeBackChanged) {
@@ -195,16 +200,6 @@ TEST_F(DispatcherTest, OmittedOptionalArguments) {
        "a|2|dflt|F"},
   };
   for (Case& c : cases) EXPECT_EQ(Call("Opt", c.args).ToString(), c.result);
-}
-
-TEST_F(DispatcherTest, CallsTheBoundaryCannotMake) {
-  EXPECT_EQ(ErrorOf("Nope", {}), vberr::kNotSupported);
-  EXPECT_EQ(ErrorOf("Small", {}), vberr::kWrongArgCount);
-  EXPECT_EQ(ErrorOf("Small", {{Variant(int32_t{1}), false}, {Variant(int32_t{2}), false}}),
-            vberr::kWrongArgCount);
-  EXPECT_EQ(ErrorOf("Opt", {Argument::Missing()}), kArgumentNotOptional);
-  // Property put on a property without a Let.
-  EXPECT_THROW(InvokePut(*cls_, &probe_, "Rights", Variant("x")), VbError);
 }
 
 TEST_F(DispatcherTest, NamesIgnoreCaseAndPropertiesAnswerCalls) {
