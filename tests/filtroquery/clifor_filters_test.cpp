@@ -155,21 +155,5 @@ TEST(CondCliFor, NullCompanyFailsIntoFiltroCondizione) {
   }
 }
 
-TEST(CondCliFor, CustomersAndTheAgentsDocumentsOnTheDemo) {
-  FilterOnDemo f("ROSSI");
-  f.Filter("CG44_CLIFOR", std::nullopt, tsCliente);
-  EXPECT_EQ(f.Column("SELECT CG44_CLIFOR FROM CG44_CLIFOR WHERE CG44_DITTA_CG18 = 1 AND "
-                     "CG44_TIPOCF = 0 AND " +
-                     f.Sql() + " ORDER BY CG44_CLIFOR"),
-            (std::vector<std::string>{"1", "2", "3", "4", "7", "10", "12", "13", "40"}));
-  FilterOnDemo agent("GIALLI");
-  agent.ActAsAgent(Variant(int32_t{12}), Variant(int32_t{1}));
-  agent.Filter("DO11_CLIFOR_CG44", std::nullopt, tsCliente);
-  EXPECT_EQ(agent.Column("SELECT DO11_NUMREG_CO99 FROM DO11_DOCTESTATA WHERE DO11_DITTA_CG18 = 1 "
-                         "AND DO11_TIPOCF_CG44 = 0 AND " +
-                         agent.Sql() + " ORDER BY DO11_NUMREG_CO99"),
-            (std::vector<std::string>{"1008", "1009", "1010", "1011"}));
-}
-
 }  // namespace
 }  // namespace zarvik::filtroquery

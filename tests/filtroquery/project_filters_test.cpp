@@ -168,13 +168,5 @@ TEST(CondNodi, ReportFormIsAlwaysTrueAndOmittedReportFields) {
   EXPECT_EQ(f.Report(), "(1=1)");
 }
 
-TEST(ProjectFilters, ProjectsOfTheCompanyOnTheDemo) {
-  FilterOnDemo f;
-  f.Filter("PD68_CODPROG", Variant("R"));
-  EXPECT_EQ(f.Column("SELECT PD68_CODPROG FROM PD68_PROGETTI WHERE PD68_DITTA_CG18 = 1 AND " +
-                     f.Sql() + " ORDER BY PD68_CODPROG"),
-            (std::vector<std::string>{"P3", "P4", "P5", "P6", "P7", "P8"}));
-}
-
 }  // namespace
 }  // namespace zarvik::filtroquery
