@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -39,104 +38,72 @@ struct HostParts {
   }
 };
 
-struct Expected {
-  Variant ditta;  // DittaCorrente after the binding
-  int32_t user_id;
-  std::string codice;
-  std::string gruppo;
-  bool connection_taken;
-};
-
-struct BindingCase {
-  const char* name;
-  std::function<void(HostParts&)> change;
-  Expected expected;
-};
-
-// The frame starts with these values so that "unchanged" is visible.
-constexpr int32_t kIdBefore = 77;
-const char* const kCodeBefore = "PRIMA";
-const char* const kGroupBefore = "GRP";
-
-void PrintTo(const BindingCase& c, std::ostream* out) { *out << c.name; }
-
-class HostBindingTest : public ::testing::TestWithParam<BindingCase> {};
-
-TEST_P(HostBindingTest, FillsWhatTheHostHas) {
-  const BindingCase& c = GetParam();
-  HostParts parts;
-  c.change(parts);
-  testing::RecordingEnv rec;
-  RevocationFrame frame(ParserFrameSettings(), rec.env);
-  frame.SetIdUser(kIdBefore);
-  frame.ctx.CodiceUtente = kCodeBefore;
-  frame.ctx.CodiceGruppo = kGroupBefore;
-  frame.ctx.DittaCorrente = Variant("D0");
-
-  frame.SetActiveInterface(parts.app);
-
-  EXPECT_EQ(frame.ActiveInterface(), parts.app);
-  EXPECT_EQ(frame.ctx.DittaCorrente.Type(), c.expected.ditta.Type());
-  EXPECT_TRUE(VbEquals(frame.ctx.DittaCorrente, c.expected.ditta));
-  EXPECT_EQ(frame.UserId(), c.expected.user_id);
-  EXPECT_EQ(frame.ctx.CodiceUtente, c.expected.codice);
-  EXPECT_EQ(frame.ctx.CodiceGruppo, c.expected.gruppo);
-  EXPECT_EQ(frame.ctx.ConnectionADO == parts.connection, c.expected.connection_taken);
-  if (!c.expected.connection_taken) {
-    EXPECT_EQ(frame.ctx.ConnectionADO, nullptr);
+TEST(HostBinding, FillsWhatTheHostHas) {
+  const Variant d0("D0"), two(int32_t{2});
+  const struct {
+    const char* name;
+    std::function<void(HostParts&)> change;
+    Variant ditta;  // DittaCorrente after the binding
+    int32_t user_id;
+    const char *codice, *gruppo;  // nullptr: unchanged
+    bool connection_taken;
+  } cases[] = {
+      {"full host object", [](HostParts&) {}, two, 5, "ROSSI", "VEN", true},
+      {"no ClsGlobal", [](HostParts& p) { p.app->Remove("ClsGlobal"); }, d0, 77, nullptr, nullptr,
+       true},
+      {"company code keeps its type",
+       [](HostParts& p) { p.company->Set("CodDitta", Variant("0001")); }, Variant("0001"), 5,
+       "ROSSI", "VEN", true},
+      {"no user", [](HostParts& p) { p.global->Remove("Gcls_UtenteCorrente"); }, two, 77, nullptr,
+       nullptr, true},
+      {"user id not numeric", [](HostParts& p) { p.user->Set("idutente", Variant("abc")); }, two,
+       77, "ROSSI", "VEN", true},
+      {"user without code", [](HostParts& p) { p.user->Remove("codice"); }, two, 5, nullptr, "VEN",
+       true},
+      {"numeric code as text", [](HostParts& p) { p.user->Set("codice", Variant(int32_t{42})); },
+       two, 5, "42", "VEN", true},
+      {"no connection", [](HostParts& p) { p.app->Remove("Connection"); }, two, 5, "ROSSI", "VEN",
+       false},
+      {"connection not a connection",
+       [](HostParts& p) {
+         p.app->Set("Connection", Variant(ObjectRef(std::make_shared<HostObject>())));
+       },
+       two, 5, "ROSSI", "VEN", false},
+      {"member names ignore case",
+       [](HostParts& p) {
+         p.app->Remove("ClsGlobal");
+         p.app->Set("CLSGLOBAL", Variant(ObjectRef(p.global)));
+         p.user->Remove("codice");
+         p.user->Set("Codice", Variant("NERI"));
+       },
+       two, 5, "NERI", "VEN", true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    HostParts parts;
+    c.change(parts);
+    testing::RecordingEnv rec;
+    RevocationFrame frame(ParserFrameSettings(), rec.env);
+    frame.SetIdUser(77);  // starting values, so that "unchanged" shows
+    frame.ctx.CodiceUtente = "PRIMA";
+    frame.ctx.CodiceGruppo = "GRP";
+    frame.ctx.DittaCorrente = d0;
+    frame.SetActiveInterface(parts.app);
+    EXPECT_EQ(frame.ActiveInterface(), parts.app);
+    EXPECT_EQ(frame.ctx.DittaCorrente.Type(), c.ditta.Type());
+    EXPECT_TRUE(VbEquals(frame.ctx.DittaCorrente, c.ditta));
+    EXPECT_EQ(frame.UserId(), c.user_id);
+    EXPECT_EQ(frame.ctx.CodiceUtente, c.codice ? c.codice : "PRIMA");
+    EXPECT_EQ(frame.ctx.CodiceGruppo, c.gruppo ? c.gruppo : "GRP");
+    EXPECT_EQ(frame.ctx.ConnectionADO, c.connection_taken ? parts.connection : nullptr);
+    // Nothing surfaces, nothing is resolved, and the other fields stay.
+    EXPECT_TRUE(rec.sink->messages.empty());
+    EXPECT_FALSE(frame.UserResolved());
+    EXPECT_EQ(frame.ctx.CodiceUtenteCLIFOR, "");
+    EXPECT_TRUE(frame.ctx.IdAgente.IsEmpty() && frame.ctx.DittaAgente.IsEmpty() &&
+                frame.ctx.CodiceAgente.IsEmpty());
   }
-  // Nothing surfaces: no box, no user marked as resolved, no statement.
-  EXPECT_TRUE(rec.sink->messages.empty());
-  EXPECT_FALSE(frame.UserResolved());
-  // Never touched by the binding.
-  EXPECT_EQ(frame.ctx.CodiceUtenteCLIFOR, "");
-  EXPECT_TRUE(frame.ctx.IdAgente.IsEmpty());
-  EXPECT_TRUE(frame.ctx.DittaAgente.IsEmpty());
-  EXPECT_TRUE(frame.ctx.CodiceAgente.IsEmpty());
 }
-
-const Variant kD0("D0");
-const Variant kTwo(int32_t{2});
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, HostBindingTest,
-    ::testing::Values(
-        BindingCase{"FullHostObject", [](HostParts&) {}, {kTwo, 5, "ROSSI", "VEN", true}},
-        BindingCase{"NoClsGlobal",
-                    [](HostParts& p) { p.app->Remove("ClsGlobal"); },
-                    {kD0, kIdBefore, kCodeBefore, kGroupBefore, true}},
-        BindingCase{"CompanyCodeKeepsItsType",
-                    [](HostParts& p) { p.company->Set("CodDitta", Variant("0001")); },
-                    {Variant("0001"), 5, "ROSSI", "VEN", true}},
-        BindingCase{"NoUser",
-                    [](HostParts& p) { p.global->Remove("Gcls_UtenteCorrente"); },
-                    {kTwo, kIdBefore, kCodeBefore, kGroupBefore, true}},
-        BindingCase{"UserIdNotNumeric",
-                    [](HostParts& p) { p.user->Set("idutente", Variant("abc")); },
-                    {kTwo, kIdBefore, "ROSSI", "VEN", true}},
-        BindingCase{"UserWithoutCode",
-                    [](HostParts& p) { p.user->Remove("codice"); },
-                    {kTwo, 5, kCodeBefore, "VEN", true}},
-        BindingCase{"NumericCodeAsText",
-                    [](HostParts& p) { p.user->Set("codice", Variant(int32_t{42})); },
-                    {kTwo, 5, "42", "VEN", true}},
-        BindingCase{"NoConnection",
-                    [](HostParts& p) { p.app->Remove("Connection"); },
-                    {kTwo, 5, "ROSSI", "VEN", false}},
-        BindingCase{"ConnectionNotAConnection",
-                    [](HostParts& p) {
-                      p.app->Set("Connection", Variant(ObjectRef(std::make_shared<HostObject>())));
-                    },
-                    {kTwo, 5, "ROSSI", "VEN", false}},
-        BindingCase{"MemberNamesIgnoreCase",
-                    [](HostParts& p) {
-                      p.app->Remove("ClsGlobal");
-                      p.app->Set("CLSGLOBAL", Variant(ObjectRef(p.global)));
-                      p.user->Remove("codice");
-                      p.user->Set("Codice", Variant("NERI"));
-                    },
-                    {kTwo, 5, "NERI", "VEN", true}}),
-    [](const ::testing::TestParamInfo<BindingCase>& info) { return std::string(info.param.name); });
 
 // The connection is taken only while ConnectionADO is Nothing; binding
 // Nothing afterwards only stores the empty reference.

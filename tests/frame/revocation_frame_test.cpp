@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -200,6 +201,8 @@ struct GuardCase {
   bool lookup_sent;
 };
 
+void PrintTo(const GuardCase& c, std::ostream* out) { *out << c.name; }
+
 class GuardTest : public ::testing::TestWithParam<GuardCase> {};
 
 TEST_P(GuardTest, StepsInOrder) {
@@ -277,18 +280,6 @@ TEST(Guard, AgentNormalisation) {
       EXPECT_TRUE(VbEquals(frame.ctx.IdAgente, c.before));
     }
   }
-}
-
-TEST(Guard, FillUserCodeFromCliforLeavesCliforAlone) {
-  RevocationFrame frame(ParserFrameSettings(), RecordingEnv().env);
-  frame.ctx.CodiceUtente = " ";
-  frame.ctx.CodiceUtenteCLIFOR = "ROSSI";
-  frame.FillUserCodeFromClifor();
-  EXPECT_EQ(frame.ctx.CodiceUtente, "ROSSI");
-  frame.ctx.CodiceUtente = "BIANCHI";
-  frame.FillUserCodeFromClifor();
-  EXPECT_EQ(frame.ctx.CodiceUtente, "BIANCHI");
-  EXPECT_EQ(frame.ctx.CodiceUtenteCLIFOR, "ROSSI");
 }
 
 // Nz
