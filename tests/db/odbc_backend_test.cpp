@@ -268,56 +268,5 @@ TEST_F(OdbcDemoDatabaseTest, EveryTableReadsAsInTheEmbeddedEngine) {
   }
 }
 
-TEST_F(OdbcDemoDatabaseTest, AccountRightsProcedureAnswersAsInTheEmbeddedEngine) {
-  struct Case {
-    int16_t group;
-    const char* account;
-    int32_t user;
-    int16_t can_enable, can_view;
-  };
-  const std::vector<Case> cases = {{10, "1001", demo::user_id::kRossi, 0, 0},
-                                   {10, "1002", demo::user_id::kRossi, 1, 0},
-                                   {10, "1003", demo::user_id::kRossi, 1, 1},
-                                   {10, "1001", demo::user_id::kBianchi, 1, 1}};
-  const char* kProcedure = "SPFW_GetInfoRevokeContoPDC";
-  // Through ODBC on SQLite nothing is described: a parameter is unknown by
-  // name until it is declared.
-  EXPECT_EQ(ErrorOf([&] { StoredProc(kProcedure, odbc_).Parameters("@GruppoPDC"); }),
-            vberr::kAdoItemNotFound);
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.account) + " user " + std::to_string(c.user));
-    // The embedded engine describes the procedure's parameters itself.
-    Command described = StoredProc(kProcedure, embedded_);
-    Command declared = StoredProc(kProcedure, odbc_);
-    const std::vector<std::pair<const char*, int>> inputs = {
-        {"@IdUtente", adtype::kInteger},
-        {"@GruppoPDC", adtype::kSmallInt},
-        {"@ContoPDC", adtype::kVarChar}};  // in the procedure's order
-    for (const auto& [name, type] : inputs) {
-      declared.AppendParameter({name, type, ParameterDirection::kInput, Variant()});
-    }
-    for (const char* name : {"@canAbilitato", "@canVisualizza"}) {
-      declared.AppendParameter({name, adtype::kInteger, ParameterDirection::kOutput, Variant()});
-    }
-    for (Command* command : {&described, &declared}) {
-      command->Parameters("@GruppoPDC").SetValue(Variant(c.group));
-      command->Parameters("@ContoPDC").SetValue(Variant(c.account));
-      command->Parameters("@IdUtente").SetValue(Variant(c.user));
-      EXPECT_EQ(command->Execute()->State(), kStateClosed);
-      EXPECT_EQ(command->Parameters("@canAbilitato").Value().ToInteger(), c.can_enable);
-      EXPECT_EQ(command->Parameters("@canVisualizza").Value().ToInteger(), c.can_view);
-    }
-  }
-}
-
-TEST_F(OdbcDemoDatabaseTest, ProviderErrorsReachTheConnectionUnchanged) {
-  const VbError error =
-      CaughtError([&] { odbc_->Execute("SELECT NO_SUCH_COLUMN FROM FW07_APPUSER"); });
-  EXPECT_EQ(error.Number(), vberr::kProviderError);
-  EXPECT_EQ(error.Description().rfind("[HY000] (native 1) ", 0), 0u) << error.Description();
-  EXPECT_NE(error.Description().find("no such column: NO_SUCH_COLUMN"), std::string::npos)
-      << error.Description();
-}
-
 }  // namespace
 }  // namespace zarvik::db
