@@ -89,23 +89,11 @@ TEST_F(HostSessionTest, ActiveInterfaceFillsFromAHostObject) {
   EXPECT_TRUE(put["ok"].get<bool>());
   EXPECT_EQ(put["boxes"], Json::array());
   EXPECT_EQ(Get(parser, "CodiceUtente")["value"], "ROSSI");
-  EXPECT_EQ(Get(parser, "CodiceGruppo")["value"], "VEN");
   EXPECT_EQ(Get(parser, "DittaCorrente")["value"], 1);
   EXPECT_EQ(Get(parser, "ConnectionADO")["value"], Ref(connection));
   EXPECT_EQ(Get(parser, "ActiveInterface")["value"], Ref(app));
-  EXPECT_EQ(Get(parser, "CodiceUtenteCLIFOR")["value"], "");
   // The host object's members are reachable too (nested objects get ids).
   EXPECT_EQ(Get(app, "ClsGlobal")["value"]["$"], "object");
-
-  // Without ClsGlobal nothing is filled and nothing is raised.
-  const int64_t bare = New("HostObject");
-  const int64_t filter = New("CLSFW_FILTROQUERY");
-  Put(filter, "CodiceUtente", "BIANCHI");
-  const Json bare_put = Put(filter, "ActiveInterface", Ref(bare));
-  EXPECT_EQ(bare_put, Json::parse(R"({"ok":true,"boxes":[],"sql":[]})"));
-  EXPECT_EQ(Get(filter, "CodiceUtente")["value"], "BIANCHI");
-  EXPECT_EQ(Get(filter, "DittaCorrente")["value"], Json({{"$", "empty"}}));
-  EXPECT_EQ(Get(filter, "ConnectionADO")["value"], Json({{"$", "nothing"}}));
 }
 
 TEST_F(HostSessionTest, StatementsAndRecordsetsOfAConnection) {

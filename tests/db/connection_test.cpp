@@ -176,20 +176,7 @@ TEST(ConnectionTest, TsqlCollationIgnoresCaseAndTrailingBlanks) {
             vberr::kProviderError);
 }
 
-TEST(ConnectionTest, GetdateIsTheLocalClock) {
-  const std::string now = OpenConnection()
-                              ->Execute("SELECT CONVERT(varchar(19), GETDATE(), 120)")
-                              ->Fields(0)
-                              .ToString();
-  ASSERT_EQ(now.size(), 19u) << now;
-  const std::string after =
-      OpenConnection()
-          ->Execute("SELECT strftime('%Y-%m-%d %H:%M:%S', 'now', 'localtime')")
-          ->Fields(0)
-          .ToString();
-  EXPECT_LE(now, after);
-}
-
+// The late-bound members a host calls beyond those the host protocol shows.
 TEST(ConnectionTest, LateBoundMembers) {
   auto connection = std::make_shared<Connection>();
   Object& object = *connection;
@@ -197,16 +184,13 @@ TEST(ConnectionTest, LateBoundMembers) {
   EXPECT_EQ(connection->CommandTimeout(), 100);
   std::vector<Variant> open_args{Variant(kMemory), Variant(""), Variant(""), Variant(int32_t{-1})};
   object.CallMethod("Open", open_args);
-  EXPECT_EQ(object.GetProperty("State").ToLong(), 1);
-  std::vector<Variant> exec_args{Variant("SELECT 5 AS N UNION ALL SELECT 6"), Variant(),
-                                 Variant(int32_t{1})};
-  const Variant result = object.CallMethod("Execute", exec_args);
-  EXPECT_EQ(result.ToObject()->GetProperty("RecordCount").ToLong(), -1);  // server-side
+  std::vector<Variant> exec_args{Variant("SELECT 5 AS N"), Variant(), Variant(int32_t{1})};
+  EXPECT_EQ(object.CallMethod("Execute", exec_args).ToObject()->GetProperty("RecordCount").ToLong(),
+            -1);  // server-side
   std::vector<Variant> none;
+  EXPECT_EQ(ErrorOf([&] { object.CallMethod("Execute", none); }), vberr::kWrongArgCount);
   object.CallMethod("Close", none);
   EXPECT_EQ(object.GetProperty("State").ToLong(), 0);
-  EXPECT_EQ(ErrorOf([&] { object.GetProperty("Nope"); }), vberr::kNotSupported);
-  EXPECT_EQ(ErrorOf([&] { object.CallMethod("Execute", none); }), vberr::kWrongArgCount);
 }
 
 }  // namespace
