@@ -189,6 +189,7 @@ TEST(ConnectionTest, LateBoundMembers) {
             -1);  // server-side
   std::vector<Variant> none;
   EXPECT_EQ(ErrorOf([&] { object.CallMethod("Execute", none); }), vberr::kWrongArgCount);
+  EXPECT_EQ(ErrorOf([&] { object.GetProperty("Nope"); }), vberr::kNotSupported);
   object.CallMethod("Close", none);
   EXPECT_EQ(object.GetProperty("State").ToLong(), 0);
 }
