@@ -85,18 +85,12 @@ Backend& Connection::OpenBackendOrThrow() {
   return *backend_;
 }
 
-std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long options) {
+template <class F>
+std::shared_ptr<Recordset> Connection::Run(F&& run) {
   Backend& backend = OpenBackendOrThrow();
   RowSet rows;
   try {
-    if (IsStoredProc(options)) {
-      std::vector<ParameterInfo> none;
-      rows = backend.CallProcedure(text, none);
-    } else if (options != kCmdUnspecified && (options & kCmdTypeMask) == kCmdTable) {
-      rows = backend.Execute("SELECT * FROM " + text);
-    } else {
-      rows = backend.Execute(text);
-    }
+    rows = run(backend);
   } catch (const VbError&) {
     throw;
   } catch (const std::exception& e) {
@@ -106,6 +100,23 @@ std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long opt
   auto recordset = std::make_shared<Recordset>(std::move(rows), cursor_location_);
   if (!has_rows) recordset->Close();
   return recordset;
+}
+
+std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long options) {
+  return Run([&](Backend& backend) {
+    if (IsStoredProc(options)) {
+      std::vector<ParameterInfo> none;
+      return backend.CallProcedure(text, none);
+    }
+    if (options != kCmdUnspecified && (options & kCmdTypeMask) == kCmdTable) {
+      return backend.Execute("SELECT * FROM " + text);
+    }
+    return backend.Execute(text);
+  });
+}
+
+std::shared_ptr<Recordset> Connection::ExecuteScript(const std::string& script) {
+  return Run([&](Backend& backend) { return backend.ExecuteScript(script); });
 }
 
 void Connection::SetStatementLog(std::shared_ptr<StatementLog> log) {

@@ -52,7 +52,13 @@ class Connection : public Object {
   // Runs statement text (options: kCmdText, kCmdUnspecified; kCmdStoredProc
   // calls the procedure named by `text` without parameters). A statement
   // without rows returns a closed Recordset, as ADO does. Closed: 3709.
+  // On the embedded engine the text is one statement: a text that goes on
+  // with a second one is refused before anything runs.
   std::shared_ptr<Recordset> Execute(const std::string& text, long options = kCmdUnspecified);
+  // Runs a script of several statements (test set-ups, building a database)
+  // and answers the rows of its first statement that has a result set. The
+  // component never calls it. Closed: 3709.
+  std::shared_ptr<Recordset> ExecuteScript(const std::string& script);
 
   // Records every statement sent from now on, including those of commands.
   // May be called before or after Open.
@@ -70,6 +76,11 @@ class Connection : public Object {
   Variant CallMethod(const std::string& name, std::vector<Variant>& args) override;
 
  private:
+  // Runs `run` on the backend and wraps its rows (a closed Recordset when
+  // there are none); provider failures become VbErrors.
+  template <class F>
+  std::shared_ptr<Recordset> Run(F&& run);
+
   std::string connection_string_;
   int command_timeout_ = 30;
   int connection_timeout_ = 15;

@@ -45,6 +45,25 @@ std::string ErrorText(int code, const std::string& message, const std::string& s
   return text;
 }
 
+// True when [at, end) holds nothing but blanks, ';' and comments: what
+// may follow the one statement of a command.
+bool OnlySeparatorsLeft(const char* at, const char* end) {
+  while (at < end) {
+    if (std::isspace(static_cast<unsigned char>(*at)) || *at == ';') {
+      ++at;
+    } else if (end - at >= 2 && at[0] == '-' && at[1] == '-') {
+      while (at < end && *at != '\n') ++at;
+    } else if (end - at >= 2 && at[0] == '/' && at[1] == '*') {
+      at += 2;
+      while (end - at >= 2 && !(at[0] == '*' && at[1] == '/')) ++at;
+      at = end - at >= 2 ? at + 2 : end;
+    } else {
+      return false;
+    }
+  }
+  return true;
+}
+
 std::string NotFoundText(const std::string& name) {
   return "Could not find stored procedure '" + name + "'.";
 }
@@ -226,6 +245,13 @@ class SqliteBackend : public Backend {
 
   RowSet Execute(const std::string& sql) override {
     const std::string translated = translations_.Translate(sql);
+    RowSet rows = RunStatement(translated);
+    if (vb::InStr(1, translated, "ZARVIK_ROUTINES", vb::Compare::kText) != 0) LoadFunctions();
+    return rows;
+  }
+
+  RowSet ExecuteScript(const std::string& sql) override {
+    const std::string translated = translations_.Translate(sql);
     RowSet rows = RunScript(translated);
     if (vb::InStr(1, translated, "ZARVIK_ROUTINES", vb::Compare::kText) != 0) LoadFunctions();
     return rows;
@@ -322,6 +348,32 @@ class SqliteBackend : public Backend {
     }
     if (rc != SQLITE_DONE) Fail(rc, sqlite3_sql(stmt));
     return result;
+  }
+
+  // Runs the one statement of `text` (the routines are registered first
+  // when it names a function SQLite does not know yet). A text that goes on
+  // with a second statement is refused before anything runs, so that a
+  // value pasted into a statement can never add one of its own.
+  RowSet RunStatement(const std::string& text) {
+    const char* const end = text.c_str() + text.size();
+    const int size = static_cast<int>(text.size());
+    sqlite3_stmt* raw = nullptr;
+    const char* next = nullptr;
+    int rc = sqlite3_prepare_v2(db_.get(), text.c_str(), size, &raw, &next);
+    if (rc != SQLITE_OK && MissingFunction() && LoadFunctions()) {
+      sqlite3_finalize(raw);
+      raw = nullptr;
+      rc = sqlite3_prepare_v2(db_.get(), text.c_str(), size, &raw, &next);
+    }
+    StmtPtr stmt(raw);
+    if (rc != SQLITE_OK) Fail(rc, text);
+    if (!OnlySeparatorsLeft(next, end)) {
+      throw VbError(vberr::kProviderError,
+                    "SQLite error 1: a command runs one statement; the text goes on after it "
+                    "with \"" +
+                        Trim(std::string(next, end)) + "\" in statement: " + Trim(text));
+    }
+    return stmt ? ReadRows(stmt.get()) : RowSet{};
   }
 
   // Runs every statement of `text`; answers the rows of the first statement

@@ -5,11 +5,13 @@
 // on a server; "Mode=ReadWriteCreate" in the connection string creates it
 // ("Mode=ReadOnly" opens read-only; the default is "ReadWrite").
 //
-// Every statement text is translated from T-SQL first (TsqlTranslationCache)
-// and may hold several statements separated by ';', so a whole script runs
-// in one Execute; the rows of its first statement that has a result set are
-// returned. Failures raise VbError(kProviderError, "SQLite error N: message
-// in statement: TEXT"); a database that cannot be opened raises
+// Every statement text is translated from T-SQL first (TsqlTranslationCache).
+// Execute runs exactly one statement: a text that goes on after its first
+// statement with anything but blanks, ';' and comments is refused before
+// anything runs, so a value pasted into a statement cannot add a statement
+// of its own. ExecuteScript runs every statement of a script and returns
+// the rows of its first statement that has a result set. Failures raise VbError(kProviderError,
+// "SQLite error N: message in statement: TEXT"); a database that cannot be opened raises
 // VbError(kProviderConnectFailed, ...).
 //
 // Field values: INTEGER -> Long when it fits 32 bits, else Double; REAL ->
