@@ -56,6 +56,11 @@ Parameter& Command::Parameters(const std::string& name) {
   throw VbError(vberr::kAdoItemNotFound);
 }
 
+int Command::ParameterCount() {
+  if (!described_ && IsStoredProc(command_type_)) Describe();
+  return static_cast<int>(parameters_.size());
+}
+
 void Command::AppendParameter(ParameterInfo info) {
   parameters_.emplace_back(std::move(info));
   described_ = true;  // an explicit collection is not described again

@@ -38,6 +38,9 @@ class Command {
   // procedure the provider is asked to describe the procedure's parameters
   // (no active connection: 3709). Unknown name: 3265.
   Parameter& Parameters(const std::string& name);
+  // Parameters.Count: the size of the collection, described first in the
+  // same way.
+  int ParameterCount();
   // Declares a parameter explicitly (for providers that cannot describe).
   void AppendParameter(ParameterInfo info);
 
