@@ -188,15 +188,18 @@ void CallScalarFunction(sqlite3_context* context, int argc, sqlite3_value** argv
     (fn->busy ? nested : fn->cached).reset(raw);
     stmt = raw;
   }
-  // The body's ?1..?n take the arguments in order.
-  const int expected = sqlite3_bind_parameter_count(stmt);
-  if (argc != expected) {
-    fail("takes " + std::to_string(expected) + " argument(s), called with " + std::to_string(argc));
+  // The body's ?1..?n take the first n arguments, n being the highest
+  // number the body reads; further arguments are ignored, as a caller may
+  // pass more than a body needs, but too few is an error.
+  const int needed = sqlite3_bind_parameter_count(stmt);
+  if (argc < needed) {
+    fail("needs " + std::to_string(needed) + " argument(s), called with " + std::to_string(argc) +
+         "; its body reads ?1 to ?" + std::to_string(needed));
     return;
   }
   const bool owner = !fn->busy;
   fn->busy = true;
-  for (int i = 0; i < argc; ++i) sqlite3_bind_value(stmt, i + 1, argv[i]);
+  for (int i = 0; i < needed; ++i) sqlite3_bind_value(stmt, i + 1, argv[i]);
   const int rc = sqlite3_step(stmt);
   if (rc == SQLITE_ROW) {
     sqlite3_result_value(context, sqlite3_column_value(stmt, 0));

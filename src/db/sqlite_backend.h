@@ -37,8 +37,10 @@
 //   a script mentions ZARVIK_ROUTINES (so a script may create the table and
 //   use the functions afterwards). It is called as NAME(...), dbo.NAME(...)
 //   or [dbo].[NAME](...); the body's positional parameters ?1..?n take the
-//   arguments (a different number of arguments is an error), and the first
-//   column of the body's first row is the value, NULL when there is no row.
+//   first n arguments, n being the highest ?n the body reads (further
+//   arguments are ignored, fewer are an error naming the function), and
+//   the first column of the body's first row is the value, NULL when there
+//   is no row.
 //   The server clock KVL_GETDATE, for instance, is the body
 //   'SELECT strftime(''%Y-%m-%d %H:%M:%f'', ''now'', ''localtime'')'.
 // - A stored procedure is the row of its name run with named parameters

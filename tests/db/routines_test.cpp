@@ -85,7 +85,7 @@ TEST(RoutinesTest, FunctionErrorsAreProviderErrorsNamingTheFunction) {
     const char* says;
   };
   for (const Case& c : {Case{"SELECT FN_BROKEN(1)", "no such table: NOSUCH"},
-                        Case{"SELECT FNFW_TRASFREVOCATI(1)", "takes 4 argument(s), called with 1"},
+                        Case{"SELECT FNFW_TRASFREVOCATI(1)", "needs 4 argument(s), called with 1"},
                         Case{"SELECT FN_NOPE(1)", "no such function: FN_NOPE"}}) {
     const VbError e = CaughtError([&] { connection->Execute(c.sql); });
     EXPECT_EQ(e.Number(), vberr::kProviderError) << c.sql;
