@@ -21,21 +21,45 @@ struct RequestError {
 
 [[noreturn]] void BadRequest(const std::string& description) { throw RequestError{0, description}; }
 
-const Json& Field(const Json& request, const char* name) {
+const RequestJson& Field(const RequestJson& request, const char* name) {
   if (!request.contains(name)) BadRequest(std::string("missing \"") + name + "\"");
   return request[name];
 }
 
-std::string StringField(const Json& request, const char* name) {
-  const Json& value = Field(request, name);
+std::string StringField(const RequestJson& request, const char* name) {
+  const RequestJson& value = Field(request, name);
   if (!value.is_string()) BadRequest(std::string("\"") + name + "\" must be a string");
   return value.get<std::string>();
 }
 
-int64_t IdField(const Json& request) {
-  const Json& value = Field(request, "id");
+int64_t IdField(const RequestJson& request) {
+  const RequestJson& value = Field(request, "id");
   if (!value.is_number_integer()) BadRequest("\"id\" must be an integer");
   return value.get<int64_t>();
+}
+
+// True when the arrays and objects of `line` nest deeper than `limit`.
+// Brackets inside strings do not count; the text need not be valid JSON.
+bool NestsDeeperThan(const std::string& line, int limit) {
+  int depth = 0;
+  bool in_string = false;
+  for (size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (in_string) {
+      if (c == '\\') {
+        ++i;
+      } else if (c == '"') {
+        in_string = false;
+      }
+    } else if (c == '"') {
+      in_string = true;
+    } else if (c == '[' || c == '{') {
+      if (++depth > limit) return true;
+    } else if (c == ']' || c == '}') {
+      --depth;
+    }
+  }
+  return false;
 }
 
 Json ErrorAnswer(int32_t number, const std::string& description) {
@@ -62,7 +86,11 @@ std::string HostSession::Handle(const std::string& line) {
   statements_->statements.clear();
   Json answer;
   try {
-    const Json request = Json::parse(line);
+    // The parser and the conversions recurse once per level.
+    if (NestsDeeperThan(line, kMaxJsonNesting)) {
+      BadRequest("nested deeper than " + std::to_string(kMaxJsonNesting) + " levels");
+    }
+    const RequestJson request = RequestJson::parse(line);
     if (!request.is_object()) BadRequest("a request is a JSON object");
     answer = Serve(request);
     answer["boxes"] = Json::array();
@@ -70,7 +98,7 @@ std::string HostSession::Handle(const std::string& line) {
       answer["boxes"].push_back({{"text", box.text}, {"title", box.title}, {"style", box.style}});
     }
     answer["sql"] = statements_->statements;
-  } catch (const Json::parse_error& e) {
+  } catch (const RequestJson::parse_error& e) {
     answer = ErrorAnswer(0, std::string("malformed JSON: ") + e.what());
   } catch (const RequestError& e) {
     answer = ErrorAnswer(e.number, e.description);
@@ -85,7 +113,7 @@ std::string HostSession::Handle(const std::string& line) {
   return answer.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-Json HostSession::Serve(const Json& request) {
+Json HostSession::Serve(const RequestJson& request) {
   const std::string op = StringField(request, "op");
   Json answer = {{"ok", true}};
 
@@ -93,7 +121,8 @@ Json HostSession::Serve(const Json& request) {
     const std::string class_name = StringField(request, "class");
     ObjectRef object;
     if (class_name == "HostObject") {
-      Json members = request.contains("members") ? request["members"] : Json::object();
+      const RequestJson none = RequestJson::object();
+      const RequestJson& members = request.contains("members") ? request["members"] : none;
       if (!members.is_object()) BadRequest("\"members\" must be a JSON object");
       auto host = std::make_shared<HostObject>();
       for (auto it = members.begin(); it != members.end(); ++it) {
@@ -155,9 +184,9 @@ Json HostSession::Serve(const Json& request) {
   // call
   std::vector<Argument> args;
   if (request.contains("args")) {
-    const Json& list = request["args"];
+    const RequestJson& list = request["args"];
     if (!list.is_array()) BadRequest("\"args\" must be a JSON array");
-    for (const Json& item : list) args.push_back(ArgumentFromJson(item, objects_));
+    for (const RequestJson& item : list) args.push_back(ArgumentFromJson(item, objects_));
   }
   Variant result;
   if (component) {

@@ -75,6 +75,22 @@ void RevocationFrame::SetActiveInterface(ObjectRef host) {
   }
 }
 
+void RevocationFrame::ForEachReference(const std::function<void(const ObjectRef&)>& visit) const {
+  if (active_interface_) visit(active_interface_);
+  if (ctx.ConnectionADO) visit(ctx.ConnectionADO);
+  for (const Variant* field :
+       {&ctx.DittaAgente, &ctx.DittaCorrente, &ctx.IdAgente, &ctx.CodiceAgente}) {
+    ForEachObjectIn(*field, visit);
+  }
+}
+
+void RevocationFrame::ReleaseReferences() {
+  active_interface_.reset();
+  for (Variant* field : {&ctx.DittaAgente, &ctx.DittaCorrente, &ctx.IdAgente, &ctx.CodiceAgente}) {
+    if (field->Type() == VarType::kObject || field->Type() == VarType::kArray) *field = Variant();
+  }
+}
+
 bool RevocationFrame::OpenConnection() {
   bool unavailable = false;
   Trap("OpenConnection", [&] {
