@@ -2,6 +2,7 @@
 // one deeply nested line, leak objects that refer to each other, or stall
 // it with an object of many members.
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -83,56 +84,40 @@ TEST(HostLimits, TheBinarySurvivesADeepLineAndAnswersTheNext) {
 // Objects that refer to each other are freed once no id reaches them, and
 // not before.
 TEST(HostLimits, CyclesAreFreedOnceNoIdReachesThem) {
-  const TypeLibrary library = BuildTypeLibrary();
   ObjectTable table;
-  auto host = [](const char* name, const ObjectRef& to) {
-    auto object = std::make_shared<HostObject>();
-    if (to) object->Set(name, Variant(to));
-    return object;
-  };
-  // A host object that is its own member.
-  auto self = host("x", nullptr);
-  self->Set("Self", Variant(ObjectRef(self)));
-  // A parser bound to a host object whose member is the parser.
-  std::shared_ptr<Object> parser = CreateObject(library, "CLSFW_PARSER", CreationContext{});
-  auto app = host("Back", parser);
-  parser->PutProperty("ActiveInterface", Variant(ObjectRef(app)));
-  // Two host objects held by a third, one of them registered.
-  auto b = host("x", nullptr);
-  auto c = host("Peer", b);
-  b->Set("Peer", Variant(ObjectRef(c)));
-  auto holder = host("B", b);
-  const std::vector<std::weak_ptr<Object>> watched = {self, parser, app, b, c, holder};
-  const int64_t self_id = table.Register(self);
-  const int64_t parser_id = table.Register(parser);
-  const int64_t app_id = table.Register(app);
-  const int64_t c_id = table.Register(c);
-  const int64_t holder_id = table.Register(holder);
-  self.reset(), parser.reset(), app.reset(), b.reset(), c.reset(), holder.reset();
+  std::vector<std::weak_ptr<Object>> watched;
+  std::vector<int64_t> ids;
+  {
+    auto self = std::make_shared<HostObject>();  // its own member
+    self->Set("Self", Variant(ObjectRef(self)));
+    // A parser bound to a host object that holds the parser.
+    ObjectRef parser = CreateObject(BuildTypeLibrary(), "CLSFW_PARSER", CreationContext{});
+    auto app = MakeHostObject({{"Back", Variant(parser)}});
+    parser->PutProperty("ActiveInterface", Variant(ObjectRef(app)));
+    // A pair held by a third object; only one of the pair has an id.
+    auto b = std::make_shared<HostObject>();
+    auto c = MakeHostObject({{"Peer", Variant(ObjectRef(b))}});
+    b->Set("Peer", Variant(ObjectRef(c)));
+    auto holder = MakeHostObject({{"B", Variant(ObjectRef(b))}});
+    watched = {self, parser, app, b, c, holder};
+    for (const ObjectRef& o : std::vector<ObjectRef>{self, parser, app, c, holder}) {
+      ids.push_back(table.Register(o));
+    }
+  }
   auto alive = [&] {
     std::string flags;
     for (const auto& w : watched) flags += w.expired() ? '-' : '+';
     return flags;
   };
-  table.Drop(self_id);
-  EXPECT_EQ(alive(), "-+++++");
-  table.Drop(parser_id);  // the host object still reaches it
-  EXPECT_EQ(alive(), "-+++++");
-  table.Drop(app_id);
-  EXPECT_EQ(alive(), "---+++");
-  table.Drop(c_id);  // reached through holder: kept whole
-  EXPECT_EQ(alive(), "---+++");
-  EXPECT_EQ(watched[5]
-                .lock()
-                ->GetProperty("B")
-                .ToObject()
-                ->GetProperty("Peer")
-                .ToObject()
-                ->GetProperty("Peer")
-                .ToObject(),
-            watched[3].lock());
-  table.Drop(holder_id);
-  EXPECT_EQ(alive(), "------");
+  const char* const after_drop[] = {"-+++++", "-+++++", "---+++", "---+++", "------"};
+  for (size_t i = 0; i < ids.size(); ++i) {
+    table.Drop(ids[i]);
+    EXPECT_EQ(alive(), after_drop[i]) << i;
+    // Reached through the holder, the pair is kept whole.
+    if (i == 3) {
+      EXPECT_EQ(watched[4].lock()->GetProperty("Peer").ToObject(), watched[3].lock());
+    }
+  }
 }
 
 TEST(HostLimits, AChainOfObjectsIsFreedWithoutRecursion) {
@@ -140,7 +125,7 @@ TEST(HostLimits, AChainOfObjectsIsFreedWithoutRecursion) {
   std::weak_ptr<Object> first;
   std::vector<int64_t> ids;
   ObjectRef previous;
-  for (int i = 0; i < 200000; ++i) {
+  for (int i = 0; i < 20000; ++i) {
     auto next = std::make_shared<HostObject>();
     if (previous) next->Set("Previous", Variant(previous));
     if (i == 0) first = next;
@@ -148,7 +133,21 @@ TEST(HostLimits, AChainOfObjectsIsFreedWithoutRecursion) {
     previous = next;
   }
   previous.reset();
-  for (int64_t id : ids) table.Drop(id);
+  // On a 256 KiB stack, which a recursion 20,000 levels deep overflows.
+  auto drop_all = [&] {
+    for (int64_t id : ids) table.Drop(id);
+  };
+  pthread_attr_t small_stack;
+  pthread_attr_init(&small_stack);
+  pthread_attr_setstacksize(&small_stack, 256 * 1024);
+  pthread_t thread;
+  auto run = [](void* f) -> void* {
+    (*static_cast<decltype(drop_all)*>(f))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &small_stack, run, &drop_all), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&small_stack);
   EXPECT_TRUE(first.expired());
 }
 
