@@ -86,7 +86,8 @@ std::string HostSession::Handle(const std::string& line) {
   statements_->statements.clear();
   Json answer;
   try {
-    // The parser and the conversions recurse once per level.
+    // Copies of the request's JSON and its conversions into values recurse
+    // once per level: the depth is bounded before anything is built.
     if (NestsDeeperThan(line, kMaxJsonNesting)) {
       BadRequest("nested deeper than " + std::to_string(kMaxJsonNesting) + " levels");
     }
