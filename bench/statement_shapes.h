@@ -73,7 +73,8 @@ inline std::string DocumentQuery(const Tables& t, const std::string& columns,
 
 }  // namespace detail
 
-// The statement of `shape`, at least `target` characters long.
+// The statement of `shape`, grown step by step until it is at least
+// `target` characters long.
 inline std::string Statement(Shape shape, size_t target, bool realistic) {
   const detail::Tables t = detail::TablesFor(realistic);
   const std::string order = " ORDER BY D.DO11_NUMREG_CO99";
@@ -81,12 +82,12 @@ inline std::string Statement(Shape shape, size_t target, bool realistic) {
   std::string joins;
   std::string where = " WHERE D.DO11_DITTA_CG18 = 1";
   std::string text;
-  for (int n = 1; text.size() < target; ++n) {
+  for (int n = 0; text.size() < target; ++n) {
     const std::string k = std::to_string(n);
     switch (shape) {
       case Shape::kNormal:
         // More columns, repeated joins (restricted once) and predicates.
-        if (n % 3 == 0) columns += ", D.DO11_TOTALE * " + k + " AS T" + k;
+        if (n > 0 && n % 3 == 0) columns += ", D.DO11_TOTALE * " + k + " AS T" + k;
         if (n % 3 == 1) {
           joins += " INNER JOIN " + t.join + " M" + k + " ON M" + k +
                    ".MG36_CODDOCUM = D.DO11_DOCUM_MG36";
@@ -95,22 +96,23 @@ inline std::string Statement(Shape shape, size_t target, bool realistic) {
         text = detail::DocumentQuery(t, columns, joins, where, order);
         break;
       case Shape::kLongWhere:
-        where += " AND (D.DO11_TOTALE <> " + k + " OR D.DO11_NOTE LIKE '" + k + "%')";
+        if (n > 0) where += " AND (D.DO11_TOTALE <> " + k + " OR D.DO11_NOTE LIKE '" + k + "%')";
         text = detail::DocumentQuery(t, columns, joins, where, order);
         break;
       case Shape::kDistinctJoins: {
         // Every table a different prefix; every fifth join a LEFT one.
-        const std::string name = n <= 3 && realistic ? (n == 1   ? std::string("MG36_DOCUMENTI")
-                                                        : n == 2 ? std::string("MG58_DEPOSITI")
-                                                                 : std::string("PD68_PROGETTI"))
-                                                     : detail::UnknownPrefix(n) + "_TAB";
-        joins += std::string(n % 5 == 0 ? " LEFT OUTER JOIN " : " INNER JOIN ") + name + " J" + k +
-                 " ON J" + k + ".KEY_" + k + " = D.DO11_NUMREG_CO99";
+        const char* const known[] = {"MG36_DOCUMENTI", "MG58_DEPOSITI", "PD68_PROGETTI"};
+        const std::string name =
+            n >= 1 && n <= 3 && realistic ? known[n - 1] : detail::UnknownPrefix(n) + "_TAB";
+        if (n > 0) {
+          joins += std::string(n % 5 == 0 ? " LEFT OUTER JOIN " : " INNER JOIN ") + name + " J" +
+                   k + " ON J" + k + ".KEY_" + k + " = D.DO11_NUMREG_CO99";
+        }
         text = detail::DocumentQuery(t, columns, joins, where, order);
         break;
       }
       case Shape::kUnions:
-        text += (n == 1 ? "" : n % 2 == 0 ? " UNION " : " UNION ALL ");
+        text += (n == 0 ? "" : n % 2 == 1 ? " UNION " : " UNION ALL ");
         text += "SELECT A.KEY_" + k + ", A.DESCR FROM " + t.union_tables[n % 4] +
                 " A WHERE A.DITTA = " + k;
         break;
@@ -118,8 +120,7 @@ inline std::string Statement(Shape shape, size_t target, bool realistic) {
         // ((...(D.DO11_DITTA_CG18 = 1 AND (... OR ...)) AND (... OR ...))...)
         where = " WHERE " + std::string(static_cast<size_t>(n), '(') + "D.DO11_DITTA_CG18 = 1";
         for (int i = 1; i <= n; ++i) {
-          const std::string j = std::to_string(i);
-          where += " AND (D.DO11_TOTALE <> " + j + " OR C.CG44_TIPOCF = 0))";
+          where += " AND (D.DO11_TOTALE <> " + std::to_string(i) + " OR C.CG44_TIPOCF = 0))";
         }
         text = detail::DocumentQuery(t, columns, joins, where, order);
         break;
