@@ -28,6 +28,10 @@
 
 namespace zarvik {
 
+namespace rewriter {
+class StatementText;
+}  // namespace rewriter
+
 // NOLINTNEXTLINE(readability-identifier-naming): the automation class name
 class CLSFW_PARSER : public UserContextProperties {
  public:
@@ -249,7 +253,8 @@ class CLSFW_PARSER : public UserContextProperties {
   friend class RewriterProbe;
   // One rewrite, segment by segment; `result` holds what the caller gets if
   // a run-time error ends the scan.
-  void RewriteSegments(std::string& statement, std::string& result, rewriter::ScanReport& report);
+  void RewriteSegments(rewriter::StatementText& statement, std::string& result,
+                       rewriter::ScanReport& report);
   // The condition for one recognised table: " WHERE " (where_pos 0) or
   // " AND " + the table's text, "" when the table gives none. Reports with
   // the tag "FiltriStrSQL" and then answers "".
