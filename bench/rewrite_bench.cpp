@@ -38,6 +38,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "bench/statement_shapes.h"
 #include "db/connection.h"
@@ -66,13 +67,11 @@ class NullSink : public zarvik::MessageSink {
   void Show(const zarvik::Message&) override {}
 };
 
-// A parser for ROSSI, on `db` or, without one, on the connection string.
-std::unique_ptr<CLSFW_PARSER> Rossi(std::shared_ptr<zarvik::db::Connection> db,
-                                    const std::string& connection_string = "") {
+// A parser for ROSSI on `db`.
+std::unique_ptr<CLSFW_PARSER> Rossi(std::shared_ptr<zarvik::db::Connection> db) {
   auto parser = std::make_unique<CLSFW_PARSER>(
       zarvik::Env{std::make_shared<NullSink>(), std::make_shared<zarvik::SystemClock>()});
-  if (db) parser->SetConnectionADO(db);
-  if (!connection_string.empty()) parser->SetConnectionStringADO(connection_string);
+  parser->SetConnectionADO(std::move(db));
   parser->SetCodiceUtente("ROSSI");
   parser->SetCodiceGruppo("VEN");
   parser->SetDittaCorrente(zarvik::Variant(int32_t{1}));
@@ -147,18 +146,18 @@ double HostCpuSeconds(int calls) {
   const std::string in = DemoFile() + ".in";
   {
     std::ofstream out(in);
-    out << R"({"op":"new","class":"CLSFW_PARSER"})"
-        << "\n"
-        << R"({"op":"put","id":1,"name":"ConnectionStringADO","value":")"
+    // A connection of the host's, handed to the parser.
+    out << R"({"op":"new","class":"Connection"})" << '\n'
+        << R"({"op":"put","id":1,"name":"ConnectionString","value":")"
         << zarvik::demo::DemoConnectionString(DemoFile()) << "\"}\n"
-        << R"({"op":"put","id":1,"name":"CodiceUtente","value":"ROSSI"})"
-        << "\n"
-        << R"({"op":"put","id":1,"name":"CodiceGruppo","value":"VEN"})"
-        << "\n"
-        << R"({"op":"put","id":1,"name":"DittaCorrente","value":1})"
-        << "\n";
+        << R"({"op":"call","id":1,"name":"Open","args":[]})" << '\n'
+        << R"({"op":"new","class":"CLSFW_PARSER"})" << '\n'
+        << R"({"op":"put","id":2,"name":"ConnectionADO","value":{"$":"object","id":1}})" << '\n'
+        << R"({"op":"put","id":2,"name":"CodiceUtente","value":"ROSSI"})" << '\n'
+        << R"({"op":"put","id":2,"name":"CodiceGruppo","value":"VEN"})" << '\n'
+        << R"({"op":"put","id":2,"name":"DittaCorrente","value":1})" << '\n';
     for (int i = 0; i < calls; ++i) {
-      out << R"({"op":"call","id":1,"name":"SQLConditionCliFor",)"
+      out << R"({"op":"call","id":2,"name":"SQLConditionCliFor",)"
           << R"("args":["CG44",false,"","","",false]})"
           << "\n";
     }
@@ -188,7 +187,10 @@ double HostCpuSeconds(int calls) {
 void BM_HostRoundTrip(benchmark::State& state) {
   constexpr int kShort = 1000;
   constexpr int kLong = 11000;
-  const auto parser = Rossi(nullptr, zarvik::demo::DemoConnectionString(DemoFile()));
+  const auto db = std::make_shared<zarvik::db::Connection>();
+  db->SetConnectionString(zarvik::demo::DemoConnectionString(DemoFile()));
+  db->Open();
+  const auto parser = Rossi(db);
   double host_us = 0;
   double direct_us = 0;
   for (auto _ : state) {

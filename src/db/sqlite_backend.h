@@ -8,7 +8,8 @@
 // Every statement text is translated from T-SQL first (TsqlTranslationCache)
 // and may hold several statements separated by ';', so a whole script runs
 // in one Execute; the rows of its first statement that has a result set are
-// returned. Failures raise VbError(kProviderError, "SQLite error N: message
+// returned. A text of one statement keeps its prepared statement for the
+// next time it is sent (SqliteStatementCache). Failures raise VbError(kProviderError, "SQLite error N: message
 // in statement: TEXT"); a database that cannot be opened raises
 // VbError(kProviderConnectFailed, ...).
 //
