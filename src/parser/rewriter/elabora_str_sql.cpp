@@ -35,11 +35,16 @@ constexpr size_t kConditionsRoom = 2048;
 
 std::string CLSFW_PARSER::ElaboraStrSQL(std::string& n_str_sql) {
   rewriter::ScanReport report;
-  return ElaboraStrSQLExplained(n_str_sql, report);
+  return Rewrite(n_str_sql, report, false);
 }
 
 std::string CLSFW_PARSER::ElaboraStrSQLExplained(std::string& n_str_sql,
                                                  rewriter::ScanReport& report) {
+  return Rewrite(n_str_sql, report, true);
+}
+
+std::string CLSFW_PARSER::Rewrite(std::string& n_str_sql, rewriter::ScanReport& report,
+                                  bool record_tables) {
   report = rewriter::ScanReport();
   std::string result;
   // The rewrite traps its errors without the reporter: the host gets the
@@ -53,7 +58,7 @@ std::string CLSFW_PARSER::ElaboraStrSQLExplained(std::string& n_str_sql,
   try {
     if (frame_.GuardFull()) return n_str_sql;
     statement.emplace(std::move(n_str_sql));
-    RewriteSegments(*statement, result, report);
+    RewriteSegments(*statement, result, report, record_tables);
   } catch (const VbError& e) {
     fail(e.Number(), e.Description());
   } catch (const std::bad_alloc&) {
@@ -68,7 +73,7 @@ std::string CLSFW_PARSER::ElaboraStrSQLExplained(std::string& n_str_sql,
 }
 
 void CLSFW_PARSER::RewriteSegments(rewriter::StatementText& statement, std::string& result,
-                                   rewriter::ScanReport& report) {
+                                   rewriter::ScanReport& report, bool record_tables) {
   using rewriter::ScanOutcome;
   // The rewritten text of the finished segments, appended to once per
   // segment.
@@ -132,8 +137,10 @@ void CLSFW_PARSER::RewriteSegments(rewriter::StatementText& statement, std::stri
       // table's alias.
       current_alias_ = first_alias;
       FiltriStrSQL(prefix, where_pos, true, condition);
-      report.tables.push_back(
-          {segment, prefix, rewriter::TableSource::kFromList, first_alias, condition});
+      if (record_tables) {
+        report.tables.push_back(
+            {segment, prefix, rewriter::TableSource::kFromList, first_alias, condition});
+      }
       done += condition;
       // From now on a WHERE exists: the next condition starts with " AND ".
       if (!condition.empty() && where_pos == 0) where_pos = Pos16(statement.Len() + 2);
@@ -148,8 +155,10 @@ void CLSFW_PARSER::RewriteSegments(rewriter::StatementText& statement, std::stri
       // WHERE as present, so without a WHERE every join condition opens with
       // " WHERE ".
       FiltriStrSQL(join.prefix, where_pos, false, condition);
-      report.tables.push_back(
-          {segment, join.prefix, rewriter::TableSource::kJoin, join.alias, condition});
+      if (record_tables) {
+        report.tables.push_back(
+            {segment, join.prefix, rewriter::TableSource::kJoin, join.alias, condition});
+      }
       done += condition;
     }
 
