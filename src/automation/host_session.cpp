@@ -223,8 +223,13 @@ int RunHostSession(std::istream& in, std::ostream& out) {
   std::string line;
   while (std::getline(in, line)) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    out << session.Handle(line) << "\n" << std::flush;
+    out << session.Handle(line) << '\n';
+    // The answers go out as soon as no further request waits to be read: a
+    // host that waits for each answer gets it at once, and requests sent
+    // ahead are answered in one write.
+    if (in.rdbuf()->in_avail() <= 0) out.flush();
   }
+  out.flush();
   return 0;
 }
 

@@ -9,9 +9,11 @@
 // Execute runs exactly one statement: a text that goes on after its first
 // statement with anything but blanks, ';' and comments is refused before
 // anything runs, so a value pasted into a statement cannot add a statement
-// of its own. ExecuteScript runs every statement of a script and returns
-// the rows of its first statement that has a result set. Failures raise VbError(kProviderError,
-// "SQLite error N: message in statement: TEXT"); a database that cannot be opened raises
+// of its own; the prepared statement of such a text is kept for the next
+// time it is sent (SqliteStatementCache). ExecuteScript runs every statement
+// of a script and returns the rows of its first statement that has a result
+// set. Failures raise VbError(kProviderError, "SQLite error N: message in
+// statement: TEXT"); a database that cannot be opened raises
 // VbError(kProviderConnectFailed, ...).
 //
 // Field values: INTEGER -> Long when it fits 32 bits, else Double; REAL ->
