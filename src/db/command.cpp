@@ -19,7 +19,24 @@ bool IsStoredProc(long type) { return type != kCmdUnspecified && (type & 0x7) ==
 
 }  // namespace
 
+Parameter::Parameter(std::string name, ObjectRef peer) : peer_(std::move(peer)) {
+  info_.name = std::move(name);
+}
+
+Variant Parameter::Value() const { return peer_ ? peer_->GetProperty("Value") : info_.value; }
+
+void Parameter::SetValue(const Variant& value) {
+  if (peer_) return peer_->PutProperty("Value", value);
+  info_.value = value;
+}
+
+void Command::SetCommandType(int value) {
+  if (peer_) peer_->PutProperty("CommandType", Variant(static_cast<int32_t>(value)));
+  command_type_ = value;
+}
+
 void Command::SetCommandText(const std::string& value) {
+  if (peer_) peer_->PutProperty("CommandText", Variant(value));
   if (value != command_text_) {
     parameters_.clear();
     described_ = false;
@@ -29,6 +46,13 @@ void Command::SetCommandText(const std::string& value) {
 
 void Command::SetActiveConnection(std::shared_ptr<Connection> connection) {
   connection_ = std::move(connection);
+  if (!connection_ || !connection_->Peer()) return;
+  if (!peer_) {
+    peer_ = connection_->PeerFactory()->CreateObject("ADODB.Command");
+    peer_->PutProperty("CommandType", Variant(static_cast<int32_t>(command_type_)));
+    peer_->PutProperty("CommandText", Variant(command_text_));
+  }
+  peer_->PutProperty("ActiveConnection", Variant(connection_->Peer()));
 }
 
 void Command::Describe() {
@@ -48,6 +72,15 @@ void Command::Describe() {
 }
 
 Parameter& Command::Parameters(const std::string& name) {
+  if (peer_) {
+    for (Parameter& p : parameters_) {
+      if (ParameterKey(p.Name()) == ParameterKey(name)) return p;
+    }
+    std::vector<Variant> key{Variant(name)};
+    ObjectRef item =
+        peer_->GetProperty("Parameters").ToObject()->CallMethod("Item", key).ToObject();
+    return parameters_.emplace_back(name, std::move(item));
+  }
   if (!described_ && IsStoredProc(command_type_)) Describe();
   const std::string key = ParameterKey(name);
   for (Parameter& p : parameters_) {
@@ -62,6 +95,10 @@ void Command::AppendParameter(ParameterInfo info) {
 }
 
 std::shared_ptr<Recordset> Command::Execute(long /*options*/) {
+  if (peer_) {
+    std::vector<Variant> none;
+    return std::make_shared<Recordset>(peer_->CallMethod("Execute", none).ToObject());
+  }
   if (!connection_) throw VbError(vberr::kAdoConnectionUnusable);
   Backend& backend = connection_->OpenBackendOrThrow();
   if (!IsStoredProc(command_type_)) return connection_->Execute(command_text_, command_type_);

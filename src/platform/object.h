@@ -31,6 +31,14 @@ class Object {
 
 using ObjectRef = std::shared_ptr<Object>;
 
+// Creates objects of another automation library by ProgID, as VB's
+// CreateObject does; an unknown ProgID raises 429.
+class ObjectFactory {
+ public:
+  virtual ~ObjectFactory() = default;
+  virtual ObjectRef CreateObject(const std::string& prog_id) = 0;
+};
+
 }  // namespace zarvik
 
 #endif  // ZARVIK_PLATFORM_OBJECT_H_
