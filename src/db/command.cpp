@@ -90,6 +90,18 @@ Parameter& Command::Parameters(const std::string& name) {
 }
 
 void Command::AppendParameter(ParameterInfo info) {
+  if (peer_) {
+    // cmd.Parameters.Append cmd.CreateParameter(Name, Type, Direction, Size):
+    // a text parameter needs a size, and 8000 is SQL Server's longest varchar.
+    const int32_t size = info.type == adtype::kVarChar ? 8000 : 0;
+    std::vector<Variant> args{Variant(info.name), Variant(static_cast<int32_t>(info.type)),
+                              Variant(static_cast<int32_t>(info.direction)), Variant(size)};
+    ObjectRef parameter = peer_->CallMethod("CreateParameter", args).ToObject();
+    args = {Variant(parameter)};
+    peer_->GetProperty("Parameters").ToObject()->CallMethod("Append", args);
+    parameters_.emplace_back(info.name, std::move(parameter));
+    return;
+  }
   parameters_.emplace_back(std::move(info));
   described_ = true;  // an explicit collection is not described again
 }

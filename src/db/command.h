@@ -46,7 +46,8 @@ class Command {
   // procedure the provider is asked to describe the procedure's parameters
   // (no active connection: 3709). Unknown name: 3265.
   Parameter& Parameters(const std::string& name);
-  // Declares a parameter explicitly (for providers that cannot describe).
+  // Declares a parameter explicitly (for providers that cannot describe);
+  // on a foreign connection with CreateParameter and Parameters.Append.
   void AppendParameter(ParameterInfo info);
 
   // Runs the command; for a stored procedure the output parameters are

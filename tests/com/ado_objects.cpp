@@ -1,5 +1,7 @@
 #include "com/ado_objects.h"
 
+#include <regex>
+
 #include "db/command.h"
 #include "db/connection.h"
 #include "platform/variant.h"
@@ -82,6 +84,33 @@ class AdoRecordset : public Object {
   std::shared_ptr<db::Recordset> rs_;
 };
 
+// SQLite behind ODBC cannot call the database's routines as functions, so
+// the calls of argument-less ones (KVL_GETDATE) become their bodies as
+// scalar subqueries.
+std::string InlineRoutines(db::Connection& db, std::string sql) {
+  const std::regex call(R"((\[dbo\]\.|dbo\.)?\[?(\w+)\]?\(\s*\))", std::regex::icase);
+  std::smatch m;
+  for (size_t from = 0; std::regex_search(sql.cbegin() + from, sql.cend(), m, call);) {
+    std::string body;
+    try {
+      auto rs =
+          db.Execute("SELECT ROUTINE_BODY FROM ZARVIK_ROUTINES WHERE UPPER(ROUTINE_NAME) = '" +
+                     vb::UCase(m[2].str()) + "'");
+      if (!rs->EOF()) body = rs->Fields(0).ToString();
+    } catch (const VbError&) {
+      // no routine table: nothing to inline
+    }
+    const size_t at = from + m.position(0);
+    if (body.empty() || body.find("?1") != std::string::npos) {
+      from = at + m.length(0);
+      continue;
+    }
+    sql.replace(at, m.length(0), "(" + body + ")");
+    from = at + body.size() + 2;
+  }
+  return sql;
+}
+
 Variant RecordsetOf(std::shared_ptr<db::Recordset> rs) {
   return Variant(ObjectRef(std::make_shared<AdoRecordset>(std::move(rs))));
 }
@@ -90,7 +119,13 @@ class AdoConnection : public Object {
  public:
   explicit AdoConnection(Calls calls) : calls_(std::move(calls)) {}
   std::string TypeName() const override { return "Connection"; }
-  Variant GetProperty(const std::string& name) override { return db_->GetProperty(name); }
+  // Calls: the calls noted so far, separated by "|".
+  Variant GetProperty(const std::string& name) override {
+    if (vb::UCase(name) != "CALLS") return db_->GetProperty(name);
+    std::string text;
+    for (const std::string& call : *calls_) text += (text.empty() ? "" : "|") + call;
+    return Variant(text);
+  }
   void PutProperty(const std::string& name, const Variant& value) override {
     calls_->push_back(name + "=" + value.ConcatText());
     db_->PutProperty(name, value);
@@ -102,7 +137,7 @@ class AdoConnection : public Object {
     calls_->push_back(name + "(" + noted + ")");
     if (vb::UCase(name) != "EXECUTE") return db_->CallMethod(name, args);
     const Variant options = Arg(args, 2);
-    return RecordsetOf(db_->Execute(Arg(args, 0).ToString(),
+    return RecordsetOf(db_->Execute(InlineRoutines(*db_, Arg(args, 0).ToString()),
                                     options.IsEmpty() ? db::kCmdUnspecified : options.ToLong()));
   }
   const std::shared_ptr<db::Connection> db_ = std::make_shared<db::Connection>();
@@ -111,36 +146,52 @@ class AdoConnection : public Object {
   Calls calls_;
 };
 
+// A parameter of a command's collection, or one CreateParameter made that
+// is not appended yet.
 class AdoParameter : public Object {
  public:
-  AdoParameter(std::shared_ptr<db::Command> command, std::string name)
-      : command_(std::move(command)), name_(std::move(name)) {}
+  AdoParameter(std::shared_ptr<db::Command> command, db::ParameterInfo info)
+      : command_(std::move(command)), info_(std::move(info)) {}
   std::string TypeName() const override { return "Parameter"; }
   Variant GetProperty(const std::string& name) override {
-    if (vb::UCase(name) == "NAME") return Variant(command_->Parameters(name_).Name());
-    if (vb::UCase(name) == "VALUE" || name.empty()) return command_->Parameters(name_).Value();
-    return Object::GetProperty(name);
+    if (vb::UCase(name) == "NAME") return Variant(info_.name);
+    if (vb::UCase(name) != "VALUE" && !name.empty()) return Object::GetProperty(name);
+    return command_ ? command_->Parameters(info_.name).Value() : info_.value;
   }
   void PutProperty(const std::string& name, const Variant& value) override {
     if (vb::UCase(name) != "VALUE" && !name.empty()) return Object::PutProperty(name, value);
-    command_->Parameters(name_).SetValue(value);
+    if (command_) return command_->Parameters(info_.name).SetValue(value);
+    info_.value = value;
+  }
+  void AppendTo(std::shared_ptr<db::Command> command) {
+    command_ = std::move(command);
+    command_->AppendParameter(info_);
   }
 
  private:
   std::shared_ptr<db::Command> command_;
-  std::string name_;
+  db::ParameterInfo info_;
 };
 
+// Item(name) and Append(parameter).
 class AdoParameters : public Object {
  public:
   explicit AdoParameters(std::shared_ptr<db::Command> command) : command_(std::move(command)) {}
   std::string TypeName() const override { return "Parameters"; }
   Variant CallMethod(const std::string& name, std::vector<Variant>& args) override {
-    if (!name.empty() && vb::UCase(name) != "ITEM") return Object::CallMethod(name, args);
-    if (args.size() != 1) throw VbError(vberr::kWrongArgCount);
-    const std::string key = args[0].ToString();
-    command_->Parameters(key);  // an unknown name raises 3265 here
-    return Variant(ObjectRef(std::make_shared<AdoParameter>(command_, key)));
+    const std::string member = vb::UCase(name);
+    if (args.size() != 1 || (member != "ITEM" && member != "APPEND" && !name.empty())) {
+      return Object::CallMethod(name, args);
+    }
+    if (member == "APPEND") {
+      auto parameter = std::dynamic_pointer_cast<AdoParameter>(args[0].ToObject());
+      if (!parameter) throw VbError(vberr::kAdoArgumentsWrong);
+      parameter->AppendTo(command_);
+      return Variant();
+    }
+    db::ParameterInfo info;
+    info.name = command_->Parameters(args[0].ToString()).Name();  // unknown: 3265
+    return Variant(ObjectRef(std::make_shared<AdoParameter>(command_, info)));
   }
 
  private:
@@ -174,9 +225,14 @@ class AdoCommand : public Object {
       Object::PutProperty(name, value);
     }
   }
+  // Execute() and CreateParameter(Name, Type, Direction[, Size[, Value]]).
   Variant CallMethod(const std::string& name, std::vector<Variant>& args) override {
-    if (vb::UCase(name) != "EXECUTE") return Object::CallMethod(name, args);
-    return RecordsetOf(command_->Execute());
+    if (vb::UCase(name) == "EXECUTE") return RecordsetOf(command_->Execute());
+    if (vb::UCase(name) != "CREATEPARAMETER") return Object::CallMethod(name, args);
+    const db::ParameterInfo info{Arg(args, 0).ToString(), Arg(args, 1).ToLong(),
+                                 static_cast<db::ParameterDirection>(Arg(args, 2).ToLong()),
+                                 Arg(args, 4)};
+    return Variant(ObjectRef(std::make_shared<AdoParameter>(nullptr, info)));
   }
 
  private:

@@ -5,7 +5,7 @@
 // hand it to the component as its data access. Every property let and
 // method call on a connection is noted in `calls` ("CommandTimeout=100",
 // "Open(,,,-1)", "Execute(SELECT ...)") so that tests can read what the
-// component did.
+// component did, also through the connection's property Calls.
 #ifndef ZARVIK_TESTS_COM_ADO_OBJECTS_H_
 #define ZARVIK_TESTS_COM_ADO_OBJECTS_H_
 
