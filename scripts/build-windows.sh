@@ -5,7 +5,7 @@
 # comes first: it prints the IDL and the vtable thunks the build compiles.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/setup.sh
+bash scripts/setup.sh --windows
 cmake -S . -B build >/dev/null
 cmake --build build -j "$(nproc)" --target zarvik
 for target in x86_64:win64 i686:win32; do
