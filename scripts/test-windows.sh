@@ -84,5 +84,19 @@ check "per-user unregistered" "$(wine reg query 'HKCU\Software\Classes' /s 2>/de
   grep -ci -e zarvik -e "${parser:1:8}")" 0
 wineserver -k 2>/dev/null
 
+# The 32-bit DLL (what a VB host loads): its exports here, its type library
+# in the early-binding client above.
+exports=$(i686-w64-mingw32-objdump -p "$root/build-win32/zarvik.dll" |
+  awk '/^\[Ordinal\/Name Pointer\] Table/ {on = 1; next} on && NF == 3 {print $3} on && !NF {on = 0}' |
+  tr '\n' ' ')
+check "32-bit exports" "$exports" \
+  "DllCanUnloadNow DllGetClassObject DllInstall DllRegisterServer DllUnregisterServer "
+check "32-bit format" "$(i686-w64-mingw32-objdump -f "$root/build-win32/zarvik.dll" |
+  grep -o 'pei-i386' | head -n 1)" pei-i386
+if ! dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null | grep -q "install ok installed"; then
+  echo "note: no 32-bit Wine (wine32) here: the 32-bit DLL's exports and type library are checked," \
+    "the suite runs against the 64-bit DLL only"
+fi
+
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]

@@ -113,6 +113,15 @@ Check "SQLConditionCliFor", p.SQLConditionCliFor("CG44", True), " AND  NOT EXIST
 Check "SQLConditionDepositi", p.SQLConditionDepositi("MG66_CODDEP", True), _
   " AND  (MG66_CODDEP NOT IN ('A1' , 'B2' ) OR MG66_CODDEP IS NULL )"
 
+' Values cross the boundary and come back unchanged (Wine's VBScript has no
+' ChrW: the unit tests of the text conversion cover the rest of Unicode).
+b = "perch" & Chr(233)
+For Each a In Array(DateSerial(2024, 3, 5) + TimeSerial(10, 30, 0), Null, Empty, b, 2.5, _
+    CLng(40000), CInt(7), True)
+  p.DittaAgente = a
+  Check "Variant " & TypeName(a), VarType(p.DittaAgente) & " " & p.DittaAgente, VarType(a) & " " & a
+Next
+
 ' A rights record (VT_RECORD, which VBScript cannot open: the tests' reader
 ' shows its fields), the article states as an array and as a recordset.
 Set rr = CreateObject("ZarvikTests.Record")
