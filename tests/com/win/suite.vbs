@@ -197,12 +197,14 @@ host.ClsGlobal.Gcls_UtenteCorrente.codice = "ROSSI"
 host.ClsGlobal.Gcls_UtenteCorrente.Gruppo = "VEN"
 Set host.Connection = conn
 Set p = CreateObject("ZARVIK.CLSFW_PARSER")
+p.ZarvikBoxes = True
 Set p.ActiveInterface = host
 Check "ActiveInterface", p.ActiveInterface Is host, True
 Check "company from host", p.DittaCorrente, 1
 Check "user from host", p.CodiceUtente & " " & p.CodiceGruppo, "ROSSI VEN"
 Check "connection from host", p.ConnectionADO Is conn, True
 Check "DittaBloccata for host user", p.DittaBloccata(2), True
+Check "host boxes", Boxes(p), ""
 Set p = NewParser("ROSSI")
 Set p.ActiveInterface = New Company
 Check "host without ClsGlobal", p.CodiceUtente & " " & (p.ConnectionADO Is Nothing), "ROSSI True"
