@@ -1,5 +1,8 @@
 #include "db/odbc_backend.h"
 
+#ifdef _WIN32
+#include <windows.h>  // mingw's sql.h needs the Windows types first
+#endif
 #include <sql.h>
 #include <sqlext.h>
 
@@ -133,7 +136,7 @@ void BindParameter(SQLHSTMT stmt, SQLUSMALLINT number, const ParameterInfo& para
       column_size = std::max<size_t>(text.size(), 1);
       if (IsOutput(param.direction)) {
         room = std::max(room, kOutputTextBytes);
-        column_size = std::max(column_size, kOutputTextBytes - 1);
+        column_size = std::max<SQLULEN>(column_size, kOutputTextBytes - 1);
       }
       bound.buffer.assign(room, '\0');
       std::memcpy(bound.buffer.data(), text.data(), text.size());

@@ -1,5 +1,8 @@
 #include "db/odbc_support.h"
 
+#ifdef _WIN32
+#include <windows.h>  // mingw's sql.h needs the Windows types first
+#endif
 #include <sql.h>
 #include <sqlext.h>
 

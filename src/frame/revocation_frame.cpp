@@ -68,7 +68,7 @@ void RevocationFrame::SetActiveInterface(ObjectRef host) {
       const Variant value = app->GetProperty("Connection");
       ObjectRef object = value.ToObject();  // not an object: 13, skipped
       if (!object) return;
-      auto connection = std::dynamic_pointer_cast<db::Connection>(object);
+      auto connection = db::AsConnection(object, env_.data_access);
       if (!connection) throw VbError(vberr::kTypeMismatch);
       ctx.ConnectionADO = std::move(connection);
     });
@@ -99,7 +99,7 @@ bool RevocationFrame::OpenConnection() {
         unavailable = true;
         return;
       }
-      auto connection = std::make_shared<db::Connection>();
+      auto connection = db::NewConnection(env_.data_access);
       ctx.ConnectionADO = connection;
       if (statement_log_) connection->SetStatementLog(statement_log_);
       connection->SetCommandTimeout(100);

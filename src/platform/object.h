@@ -50,6 +50,14 @@ using ObjectRef = std::shared_ptr<Object>;
 // elements of an array (arrays inside arrays included).
 void ForEachObjectIn(const Variant& value, const std::function<void(const ObjectRef&)>& visit);
 
+// Creates objects of another automation library by ProgID, as VB's
+// CreateObject does; an unknown ProgID raises 429.
+class ObjectFactory {
+ public:
+  virtual ~ObjectFactory() = default;
+  virtual ObjectRef CreateObject(const std::string& prog_id) = 0;
+};
+
 }  // namespace zarvik
 
 #endif  // ZARVIK_PLATFORM_OBJECT_H_

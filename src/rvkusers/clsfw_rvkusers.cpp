@@ -47,7 +47,7 @@ Variant CLSFW_RVKUSERS::Today() const {
 
 bool CLSFW_RVKUSERS::OpenConnection() {
   if (connection_string_.empty()) return true;
-  auto connection = std::make_shared<db::Connection>();
+  auto connection = db::NewConnection(env_.data_access);
   if (statement_log_) connection->SetStatementLog(statement_log_);
   connection->SetCommandTimeout(100);
   connection->SetConnectionString(connection_string_);
