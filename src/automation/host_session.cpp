@@ -94,9 +94,9 @@ std::string HostSession::Handle(const std::string& line) {
     const RequestJson request = RequestJson::parse(line);
     if (!request.is_object()) BadRequest("a request is a JSON object");
     answer = Serve(request);
-    answer["boxes"] = Json::array();
+    Json& boxes = answer["boxes"] = Json::array();
     for (const Message& box : boxes_->messages) {
-      answer["boxes"].push_back({{"text", box.text}, {"title", box.title}, {"style", box.style}});
+      boxes.push_back({{"text", box.text}, {"title", box.title}, {"style", box.style}});
     }
     answer["sql"] = statements_->statements;
   } catch (const RequestJson::parse_error& e) {
@@ -111,12 +111,15 @@ std::string HostSession::Handle(const std::string& line) {
   }
   boxes_->messages.clear();
   statements_->statements.clear();
-  return answer.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return AnswerText(answer);
 }
 
 Json HostSession::Serve(const RequestJson& request) {
   const std::string op = StringField(request, "op");
   Json answer = {{"ok", true}};
+  // "ok", "id" or "value" and "args", then "boxes" and "sql": room for all
+  // from the start, as each member added to a full object moves the others.
+  answer.get_ref<Json::object_t&>().reserve(6);
 
   if (op == "new") {
     const std::string class_name = StringField(request, "class");
@@ -213,8 +216,9 @@ Json HostSession::Serve(const RequestJson& request) {
     returns_nothing = member != nullptr && member->result.base == BaseType::kVoid;
   }
   answer["value"] = returns_nothing ? Json(nullptr) : JsonFromVariant(result, objects_);
-  answer["args"] = Json::array();
-  for (const Argument& a : args) answer["args"].push_back(JsonFromArgument(a, objects_));
+  Json& echoed = answer["args"] = Json::array();
+  echoed.get_ref<Json::array_t&>().reserve(args.size());
+  for (const Argument& a : args) echoed.push_back(JsonFromArgument(a, objects_));
   return answer;
 }
 

@@ -282,4 +282,80 @@ double DateFromText(const std::string& text) {
   return base >= 0 ? base + time : base - time;
 }
 
+namespace {
+
+// True when the text is printable ASCII without a quote or a backslash: it
+// is written between quotes as it stands.
+bool PlainAscii(const std::string& text) {
+  for (const char c : text) {
+    const auto u = static_cast<unsigned char>(c);
+    if (u < 0x20 || u >= 0x7F || c == '"' || c == '\\') return false;
+  }
+  return true;
+}
+
+void AppendString(const std::string& text, std::string& out) {
+  if (PlainAscii(text)) {
+    out += '"';
+    out += text;
+    out += '"';
+  } else {
+    out += Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+  }
+}
+
+// Iterative on purpose: an answer can nest as deep as a recordset of
+// arrays, and the writer must not add recursion of its own.
+void AppendAnswer(const Json& value, std::string& out) {
+  struct Frame {
+    const Json* container;
+    Json::const_iterator next;
+  };
+  std::vector<Frame> stack;
+  const Json* current = &value;
+  for (;;) {
+    if (current != nullptr) {
+      if (current->is_object() || current->is_array()) {
+        out += current->is_object() ? '{' : '[';
+        stack.push_back({current, current->begin()});
+      } else if (current->is_string()) {
+        AppendString(current->get_ref<const std::string&>(), out);
+      } else if (current->is_boolean()) {
+        out += current->get<bool>() ? "true" : "false";
+      } else if (current->is_null()) {
+        out += "null";
+      } else if (current->is_number_integer()) {
+        out += current->is_number_unsigned() ? std::to_string(current->get<uint64_t>())
+                                             : std::to_string(current->get<int64_t>());
+      } else {
+        out += current->dump(-1, ' ', false, Json::error_handler_t::replace);
+      }
+      current = nullptr;
+    }
+    if (stack.empty()) return;
+    Frame& top = stack.back();
+    if (top.next == top.container->end()) {
+      out += top.container->is_object() ? '}' : ']';
+      stack.pop_back();
+      continue;
+    }
+    if (top.next != top.container->begin()) out += ',';
+    if (top.container->is_object()) {
+      AppendString(top.next.key(), out);
+      out += ':';
+    }
+    current = &*top.next;
+    ++top.next;
+  }
+}
+
+}  // namespace
+
+std::string AnswerText(const Json& answer) {
+  std::string out;
+  out.reserve(256);
+  AppendAnswer(answer, out);
+  return out;
+}
+
 }  // namespace zarvik::automation

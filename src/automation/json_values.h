@@ -86,6 +86,11 @@ Variant VariantFromJson(const RequestJson& json, ObjectTable& objects);
 Json JsonFromVariant(const Variant& value, ObjectTable& objects);
 Json JsonFromArgument(const Argument& argument, ObjectTable& objects);
 
+// The compact text of an answer, exactly as Json::dump(-1, ' ', false,
+// error_handler_t::replace) writes it, but without that writer's per-byte
+// UTF-8 check for the plain ASCII strings that make up nearly every answer.
+std::string AnswerText(const Json& answer);
+
 // "YYYY-MM-DD HH:MM:SS" of an OLE automation date, and back (13 when the
 // text is not of this form; "YYYY-MM-DD" alone is accepted too).
 std::string DateText(double oa_date);
