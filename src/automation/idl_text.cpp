@@ -14,29 +14,7 @@ std::string Uuid(const std::string& name) { return UuidText(NameUuid(name)); }
 // The type as IDL (and widl's C++ header) spell it. Object references are
 // IDispatch*: the ADO type library cannot be imported where this is built.
 std::string IdlType(const TypeRef& type) {
-  switch (type.base) {
-    case BaseType::kVoid:
-      return "void";
-    case BaseType::kVariant:
-      return "VARIANT";
-    case BaseType::kBoolean:
-      return "VARIANT_BOOL";
-    case BaseType::kInteger:
-      return "short";
-    case BaseType::kLong:
-      return type.name.empty() ? "long" : type.name;
-    case BaseType::kDouble:
-      return "double";
-    case BaseType::kDate:
-      return "DATE";
-    case BaseType::kString:
-      return "BSTR";
-    case BaseType::kObject:
-      return "IDispatch*";
-    case BaseType::kRecord:
-      return type.name;
-  }
-  return "VARIANT";
+  return type.base == BaseType::kObject ? "IDispatch*" : TypeName(type);
 }
 
 // The VARTYPE constant of a type, for the thunks.

@@ -287,28 +287,29 @@ void StoreByRef(const Variant& value, const ValueContext& context, const VARIANT
   }
   OwnedVariant v;
   ToVariant(value, context, &v.v);
-  const VARTYPE type = target.vt & ~VT_BYREF;
-  if (FAILED(VariantChangeType(&v.v, &v.v, 0, type))) throw VbError(vberr::kTypeMismatch);
+  StoreScalar(v.v, target.vt & ~VT_BYREF, target.byref, true);
+}
+
+void StoreScalar(VARIANT& value, VARTYPE type, void* data, bool free_old) {
+  if (FAILED(VariantChangeType(&value, &value, 0, type))) throw VbError(vberr::kTypeMismatch);
   switch (type) {
     case VT_BSTR:
-      SysFreeString(*target.pbstrVal);
-      *target.pbstrVal = v.v.bstrVal;
-      v.v.vt = VT_EMPTY;
+      if (free_old) SysFreeString(*static_cast<BSTR*>(data));
+      *static_cast<BSTR*>(data) = value.bstrVal;
+      value.vt = VT_EMPTY;
       return;
     case VT_BOOL:
-      *target.pboolVal = v.v.boolVal;
+      *static_cast<VARIANT_BOOL*>(data) = value.boolVal;
       return;
     case VT_I2:
-      *target.piVal = v.v.iVal;
+      *static_cast<SHORT*>(data) = value.iVal;
       return;
     case VT_I4:
-      *target.plVal = v.v.lVal;
+      *static_cast<LONG*>(data) = value.lVal;
       return;
     case VT_R8:
-      *target.pdblVal = v.v.dblVal;
-      return;
     case VT_DATE:
-      *target.pdate = v.v.date;
+      *static_cast<double*>(data) = value.dblVal;
       return;
     default:
       throw VbError(vberr::kTypeMismatch);

@@ -91,6 +91,12 @@ void ToVariant(const Variant& value, const ValueContext& context, VARIANT* out);
 // the reference points to.
 void StoreByRef(const Variant& value, const ValueContext& context, const VARIANT& target);
 
+// Converts `value` to the scalar `type` (BSTR, VARIANT_BOOL, short, long,
+// double or DATE) and stores it at `data`, which points to that type; a
+// BSTR moves there (the VARIANT is left Empty), freeing the one it replaces
+// when `free_old`. Any other type raises 13.
+void StoreScalar(VARIANT& value, VARTYPE type, void* data, bool free_old);
+
 // The HRESULT a failed call returns. IDispatch::Invoke: automation's own
 // errors (438, 450, 449, 13, 6) as DISP_E_*, every other as
 // DISP_E_EXCEPTION with the EXCEPINFO filled. A vtable call: the error's

@@ -81,28 +81,8 @@ void StoreResult(VARIANT& value, const Slot& slot) {
     default:
       break;
   }
-  if (FAILED(VariantChangeType(&value, &value, 0, slot.vt))) throw VbError(vberr::kTypeMismatch);
-  switch (slot.vt) {
-    case VT_BSTR:
-      *static_cast<BSTR*>(slot.data) = value.bstrVal;
-      value.vt = VT_EMPTY;
-      return;
-    case VT_BOOL:
-      *static_cast<VARIANT_BOOL*>(slot.data) = value.boolVal;
-      return;
-    case VT_I2:
-      *static_cast<SHORT*>(slot.data) = value.iVal;
-      return;
-    case VT_I4:
-      *static_cast<LONG*>(slot.data) = value.lVal;
-      return;
-    case VT_R8:
-    case VT_DATE:
-      *static_cast<double*>(slot.data) = value.dblVal;
-      return;
-    default:
-      throw VbError(vberr::kTypeMismatch);
-  }
+  // The [out, retval] holds nothing yet: no old text to free.
+  StoreScalar(value, slot.vt, slot.data, false);
 }
 
 template <class F>

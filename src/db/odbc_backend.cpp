@@ -16,6 +16,7 @@
 #include "db/odbc_handle.h"
 #include "db/odbc_support.h"
 #include "db/tsql_dialect.h"
+#include "platform/utf16.h"
 #include "platform/vb_error.h"
 
 namespace zarvik::db {
@@ -293,7 +294,8 @@ Variant ReadValue(SQLHSTMT stmt, SQLUSMALLINT column, ColumnKind kind) {
       if (!bytes) return Variant::Null();
       std::u16string units(bytes->size() / sizeof(char16_t), u'\0');
       std::memcpy(units.data(), bytes->data(), units.size() * sizeof(char16_t));
-      return Variant(odbc::Utf8FromUtf16(units));
+      // Host order, as SQL_C_WCHAR delivers it; nothing is lost on the way.
+      return Variant(Utf8FromUtf16(units));
     }
     case ColumnKind::kBinary: {
       auto bytes = ReadPieces(stmt, column, SQL_C_BINARY, 0);
