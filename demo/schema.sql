@@ -684,6 +684,9 @@ CREATE TABLE FW33_RVKUSER (
 -- the arguments as ?1..?n and answers the first column of its first row; a
 -- stored procedure runs the body with its parameters as :Name (without the
 -- @), and the columns of the first row are its output parameters.
+-- A function needs as many arguments as the highest ?n its body reads: a
+-- call with more passes the first n and ignores the rest, a call with fewer
+-- fails with an error naming the function.
 
 CREATE TABLE ZARVIK_ROUTINES (
   ROUTINE_NAME TEXT PRIMARY KEY,

@@ -39,6 +39,14 @@ Variant AutomationObject::CallMethod(const std::string& name, std::vector<Varian
   return result;
 }
 
+void AutomationObject::ForEachReference(const std::function<void(const ObjectRef&)>& visit) const {
+  if (cls_->for_each_reference) cls_->for_each_reference(instance_.get(), visit);
+}
+
+void AutomationObject::ReleaseReferences() {
+  if (cls_->release_references) cls_->release_references(instance_.get());
+}
+
 std::shared_ptr<AutomationObject> CreateObject(const TypeLibrary& library,
                                                const std::string& class_name,
                                                const CreationContext& context) {

@@ -4,6 +4,7 @@
 #ifndef ZARVIK_AUTOMATION_AUTOMATION_OBJECT_H_
 #define ZARVIK_AUTOMATION_AUTOMATION_OBJECT_H_
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,6 +32,9 @@ class AutomationObject : public Object {
   Variant GetProperty(const std::string& name) override;
   void PutProperty(const std::string& name, const Variant& value) override;
   Variant CallMethod(const std::string& name, std::vector<Variant>& args) override;
+  // Through the class's hooks; nothing for a class without them.
+  void ForEachReference(const std::function<void(const ObjectRef&)>& visit) const override;
+  void ReleaseReferences() override;
 
  private:
   std::shared_ptr<const ClassDescription> cls_;

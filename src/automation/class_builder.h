@@ -194,6 +194,19 @@ class ClassBuilder {
     };
   }
 
+  // Instances hold objects (a host binding): T::ForEachReference and
+  // T::ReleaseReferences let the owner of a set of objects break cycles.
+  ClassBuilder& HoldsReferences() {
+    cls_.for_each_reference = [](const void* instance,
+                                 const std::function<void(const ObjectRef&)>& visit) {
+      static_cast<const T*>(instance)->ForEachReference(visit);
+    };
+    cls_.release_references = [](void* instance) {
+      static_cast<T*>(instance)->ReleaseReferences();
+    };
+    return *this;
+  }
+
   // Property get.
   template <class F>
   ClassBuilder& Get(const std::string& name, TypeRef type, F getter, std::string help = "") {

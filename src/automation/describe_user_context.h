@@ -10,6 +10,7 @@ namespace zarvik::automation {
 
 template <class T>
 void DescribeUserContext(ClassBuilder<T>& b) {
+  b.HoldsReferences();
   b.Get("ConnectionADO", types::Connection(), &T::ConnectionADO, "the database connection")
       .SetRef("ConnectionADO", types::Connection(), &T::SetConnectionADO)
       .Get("ConnectionStringADO", types::String(), &T::ConnectionStringADO,

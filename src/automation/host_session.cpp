@@ -21,21 +21,45 @@ struct RequestError {
 
 [[noreturn]] void BadRequest(const std::string& description) { throw RequestError{0, description}; }
 
-const Json& Field(const Json& request, const char* name) {
+const RequestJson& Field(const RequestJson& request, const char* name) {
   if (!request.contains(name)) BadRequest(std::string("missing \"") + name + "\"");
   return request[name];
 }
 
-std::string StringField(const Json& request, const char* name) {
-  const Json& value = Field(request, name);
+std::string StringField(const RequestJson& request, const char* name) {
+  const RequestJson& value = Field(request, name);
   if (!value.is_string()) BadRequest(std::string("\"") + name + "\" must be a string");
   return value.get<std::string>();
 }
 
-int64_t IdField(const Json& request) {
-  const Json& value = Field(request, "id");
+int64_t IdField(const RequestJson& request) {
+  const RequestJson& value = Field(request, "id");
   if (!value.is_number_integer()) BadRequest("\"id\" must be an integer");
   return value.get<int64_t>();
+}
+
+// True when the arrays and objects of `line` nest deeper than `limit`.
+// Brackets inside strings do not count; the text need not be valid JSON.
+bool NestsDeeperThan(const std::string& line, int limit) {
+  int depth = 0;
+  bool in_string = false;
+  for (size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (in_string) {
+      if (c == '\\') {
+        ++i;
+      } else if (c == '"') {
+        in_string = false;
+      }
+    } else if (c == '"') {
+      in_string = true;
+    } else if (c == '[' || c == '{') {
+      if (++depth > limit) return true;
+    } else if (c == ']' || c == '}') {
+      --depth;
+    }
+  }
+  return false;
 }
 
 Json ErrorAnswer(int32_t number, const std::string& description) {
@@ -62,15 +86,20 @@ std::string HostSession::Handle(const std::string& line) {
   statements_->statements.clear();
   Json answer;
   try {
-    const Json request = Json::parse(line);
+    // Copies of the request's JSON and its conversions into values recurse
+    // once per level: the depth is bounded before anything is built.
+    if (NestsDeeperThan(line, kMaxJsonNesting)) {
+      BadRequest("nested deeper than " + std::to_string(kMaxJsonNesting) + " levels");
+    }
+    const RequestJson request = RequestJson::parse(line);
     if (!request.is_object()) BadRequest("a request is a JSON object");
     answer = Serve(request);
-    answer["boxes"] = Json::array();
+    Json& boxes = answer["boxes"] = Json::array();
     for (const Message& box : boxes_->messages) {
-      answer["boxes"].push_back({{"text", box.text}, {"title", box.title}, {"style", box.style}});
+      boxes.push_back({{"text", box.text}, {"title", box.title}, {"style", box.style}});
     }
     answer["sql"] = statements_->statements;
-  } catch (const Json::parse_error& e) {
+  } catch (const RequestJson::parse_error& e) {
     answer = ErrorAnswer(0, std::string("malformed JSON: ") + e.what());
   } catch (const RequestError& e) {
     answer = ErrorAnswer(e.number, e.description);
@@ -82,18 +111,22 @@ std::string HostSession::Handle(const std::string& line) {
   }
   boxes_->messages.clear();
   statements_->statements.clear();
-  return answer.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return AnswerText(answer);
 }
 
-Json HostSession::Serve(const Json& request) {
+Json HostSession::Serve(const RequestJson& request) {
   const std::string op = StringField(request, "op");
   Json answer = {{"ok", true}};
+  // "ok", "id" or "value" and "args", then "boxes" and "sql": room for all
+  // from the start, as each member added to a full object moves the others.
+  answer.get_ref<Json::object_t&>().reserve(6);
 
   if (op == "new") {
     const std::string class_name = StringField(request, "class");
     ObjectRef object;
     if (class_name == "HostObject") {
-      Json members = request.contains("members") ? request["members"] : Json::object();
+      const RequestJson none = RequestJson::object();
+      const RequestJson& members = request.contains("members") ? request["members"] : none;
       if (!members.is_object()) BadRequest("\"members\" must be a JSON object");
       auto host = std::make_shared<HostObject>();
       for (auto it = members.begin(); it != members.end(); ++it) {
@@ -155,9 +188,9 @@ Json HostSession::Serve(const Json& request) {
   // call
   std::vector<Argument> args;
   if (request.contains("args")) {
-    const Json& list = request["args"];
+    const RequestJson& list = request["args"];
     if (!list.is_array()) BadRequest("\"args\" must be a JSON array");
-    for (const Json& item : list) args.push_back(ArgumentFromJson(item, objects_));
+    for (const RequestJson& item : list) args.push_back(ArgumentFromJson(item, objects_));
   }
   Variant result;
   if (component) {
@@ -183,8 +216,9 @@ Json HostSession::Serve(const Json& request) {
     returns_nothing = member != nullptr && member->result.base == BaseType::kVoid;
   }
   answer["value"] = returns_nothing ? Json(nullptr) : JsonFromVariant(result, objects_);
-  answer["args"] = Json::array();
-  for (const Argument& a : args) answer["args"].push_back(JsonFromArgument(a, objects_));
+  Json& echoed = answer["args"] = Json::array();
+  echoed.get_ref<Json::array_t&>().reserve(args.size());
+  for (const Argument& a : args) echoed.push_back(JsonFromArgument(a, objects_));
   return answer;
 }
 
@@ -193,8 +227,13 @@ int RunHostSession(std::istream& in, std::ostream& out) {
   std::string line;
   while (std::getline(in, line)) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    out << session.Handle(line) << "\n" << std::flush;
+    out << session.Handle(line) << '\n';
+    // The answers go out as soon as no further request waits to be read: a
+    // host that waits for each answer gets it at once, and requests sent
+    // ahead are answered in one write.
+    if (in.rdbuf()->in_avail() <= 0) out.flush();
   }
+  out.flush();
   return 0;
 }
 

@@ -27,6 +27,12 @@
 
 namespace zarvik::automation {
 
+// The deepest nesting of JSON arrays and objects a request line may have
+// (the request object itself is the first level). A deeper line is answered
+// {"ok":false,"error":...} before it is parsed, so no conversion ever
+// recurses deeper than this.
+inline constexpr int kMaxJsonNesting = 64;
+
 class HostSession {
  public:
   // `clock` is the clock the created objects see (the system clock by
@@ -40,7 +46,7 @@ class HostSession {
   std::string Handle(const std::string& line);
 
  private:
-  Json Serve(const Json& request);
+  Json Serve(const RequestJson& request);
 
   TypeLibrary library_;
   std::shared_ptr<RecordingMessageSink> boxes_;

@@ -1,9 +1,13 @@
 #include "automation/json_values.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "automation/dispatcher.h"
 #include "automation/record_object.h"
@@ -15,12 +19,52 @@
 
 namespace zarvik::automation {
 
-int64_t ObjectTable::Register(const ObjectRef& object) {
-  for (const auto& entry : objects_) {
-    if (entry.second == object) return entry.first;
+namespace {
+
+// Lets go of `pending` without recursing through what the objects hold: an
+// object held by nothing else gives up its own references first, so a
+// chain of objects each holding the next is taken apart link by link.
+void LetGo(std::vector<ObjectRef> pending) {
+  while (!pending.empty()) {
+    ObjectRef object = std::move(pending.back());
+    pending.pop_back();
+    if (object && object.use_count() == 1) {
+      object->ForEachReference([&](const ObjectRef& held) { pending.push_back(held); });
+      object->ReleaseReferences();
+    }
   }
+}
+
+// Breaks every reference the objects hold, then lets go of them and of what
+// they held.
+void BreakAndLetGo(std::vector<ObjectRef> objects) {
+  std::vector<ObjectRef> held;
+  for (const ObjectRef& object : objects) {
+    object->ForEachReference([&](const ObjectRef& h) { held.push_back(h); });
+    object->ReleaseReferences();
+  }
+  objects.insert(objects.end(), held.begin(), held.end());
+  LetGo(std::move(objects));
+}
+
+}  // namespace
+
+ObjectTable::~ObjectTable() {
+  std::vector<ObjectRef> all;
+  for (auto& entry : objects_) all.push_back(std::move(entry.second));
+  for (const auto& weak : dropped_) {
+    if (ObjectRef object = weak.lock()) all.push_back(std::move(object));
+  }
+  objects_.clear();
+  BreakAndLetGo(std::move(all));
+}
+
+int64_t ObjectTable::Register(const ObjectRef& object) {
+  auto known = ids_.find(object.get());
+  if (known != ids_.end()) return known->second;
   const int64_t id = next_id_++;
   objects_[id] = object;
+  ids_[object.get()] = id;
   return id;
 }
 
@@ -32,7 +76,45 @@ ObjectRef ObjectTable::Get(int64_t id) const {
   return it->second;
 }
 
-bool ObjectTable::Drop(int64_t id) { return objects_.erase(id) != 0; }
+bool ObjectTable::Drop(int64_t id) {
+  auto it = objects_.find(id);
+  if (it == objects_.end()) return false;
+  ObjectRef object = std::move(it->second);
+  ids_.erase(object.get());
+  objects_.erase(it);
+  if (object.use_count() > 1) dropped_.push_back(object);
+  std::vector<ObjectRef> last;
+  last.push_back(std::move(object));
+  LetGo(std::move(last));
+  // A sweep costs about as much as the objects it watches: one every
+  // eighth of them keeps the cost of a drop constant.
+  if (++drops_since_sweep_ * 8 >= objects_.size() + dropped_.size()) Sweep();
+  return true;
+}
+
+void ObjectTable::Sweep() {
+  drops_since_sweep_ = 0;
+  auto gone = [](const std::weak_ptr<Object>& weak) { return weak.expired(); };
+  dropped_.erase(std::remove_if(dropped_.begin(), dropped_.end(), gone), dropped_.end());
+  if (dropped_.empty()) return;
+  // Everything the registered objects reach, without recursion.
+  std::unordered_set<const Object*> reached;
+  std::vector<ObjectRef> pending;
+  for (const auto& entry : objects_) pending.push_back(entry.second);
+  while (!pending.empty()) {
+    const ObjectRef object = std::move(pending.back());
+    pending.pop_back();
+    if (!object || !reached.insert(object.get()).second) continue;
+    object->ForEachReference([&](const ObjectRef& held) { pending.push_back(held); });
+  }
+  std::vector<ObjectRef> unreachable;
+  for (const auto& weak : dropped_) {
+    ObjectRef object = weak.lock();
+    if (object && reached.count(object.get()) == 0) unreachable.push_back(std::move(object));
+  }
+  BreakAndLetGo(std::move(unreachable));
+  dropped_.erase(std::remove_if(dropped_.begin(), dropped_.end(), gone), dropped_.end());
+}
 
 namespace {
 
@@ -40,7 +122,7 @@ namespace {
   throw VbError(vberr::kTypeMismatch, "Type mismatch: " + what);
 }
 
-Variant HostObjectFromJson(const Json& members, ObjectTable& objects) {
+Variant HostObjectFromJson(const RequestJson& members, ObjectTable& objects) {
   auto host = std::make_shared<HostObject>();
   for (auto it = members.begin(); it != members.end(); ++it) {
     host->Set(it.key(), VariantFromJson(it.value(), objects));
@@ -78,42 +160,42 @@ Json ArrayJson(const VariantArray& array, ObjectTable& objects) {
 
 }  // namespace
 
-Argument ArgumentFromJson(const Json& json, ObjectTable& objects) {
+Argument ArgumentFromJson(const RequestJson& json, ObjectTable& objects) {
   if (json.is_object() && json.contains("$") && json["$"] == "missing") return Argument::Missing();
   return Argument{VariantFromJson(json, objects), false};
 }
 
-Variant VariantFromJson(const Json& json, ObjectTable& objects) {
+Variant VariantFromJson(const RequestJson& json, ObjectTable& objects) {
   switch (json.type()) {
-    case Json::value_t::string:
+    case RequestJson::value_t::string:
       return Variant(json.get<std::string>());
-    case Json::value_t::boolean:
+    case RequestJson::value_t::boolean:
       return Variant::Boolean(json.get<bool>());
-    case Json::value_t::null:
+    case RequestJson::value_t::null:
       return Variant::Null();
-    case Json::value_t::number_integer: {
+    case RequestJson::value_t::number_integer: {
       const int64_t n = json.get<int64_t>();
       if (n >= std::numeric_limits<int32_t>::min() && n <= std::numeric_limits<int32_t>::max()) {
         return Variant(static_cast<int32_t>(n));
       }
       return Variant(static_cast<double>(n));
     }
-    case Json::value_t::number_unsigned: {
+    case RequestJson::value_t::number_unsigned: {
       const uint64_t n = json.get<uint64_t>();
       if (n <= static_cast<uint64_t>(std::numeric_limits<int32_t>::max())) {
         return Variant(static_cast<int32_t>(n));
       }
       return Variant(static_cast<double>(n));
     }
-    case Json::value_t::number_float:
+    case RequestJson::value_t::number_float:
       return Variant(json.get<double>());
-    case Json::value_t::object:
+    case RequestJson::value_t::object:
       break;
     default:
       NotAValue("a JSON array is not a value");
   }
   if (!json.contains("$")) return HostObjectFromJson(json, objects);
-  const Json& tag = json["$"];
+  const RequestJson& tag = json["$"];
   if (!tag.is_string()) NotAValue("\"$\" must be a string");
   const std::string kind = tag.get<std::string>();
   if (kind == "empty") return Variant();
@@ -198,6 +280,82 @@ double DateFromText(const std::string& text) {
   const double base = OleDateFromYmd(year, month, day);
   const double time = (hour * 3600 + minute * 60 + second) / 86400.0;
   return base >= 0 ? base + time : base - time;
+}
+
+namespace {
+
+// True when the text is printable ASCII without a quote or a backslash: it
+// is written between quotes as it stands.
+bool PlainAscii(const std::string& text) {
+  for (const char c : text) {
+    const auto u = static_cast<unsigned char>(c);
+    if (u < 0x20 || u >= 0x7F || c == '"' || c == '\\') return false;
+  }
+  return true;
+}
+
+void AppendString(const std::string& text, std::string& out) {
+  if (PlainAscii(text)) {
+    out += '"';
+    out += text;
+    out += '"';
+  } else {
+    out += Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+  }
+}
+
+// Iterative on purpose: an answer can nest as deep as a recordset of
+// arrays, and the writer must not add recursion of its own.
+void AppendAnswer(const Json& value, std::string& out) {
+  struct Frame {
+    const Json* container;
+    Json::const_iterator next;
+  };
+  std::vector<Frame> stack;
+  const Json* current = &value;
+  for (;;) {
+    if (current != nullptr) {
+      if (current->is_object() || current->is_array()) {
+        out += current->is_object() ? '{' : '[';
+        stack.push_back({current, current->begin()});
+      } else if (current->is_string()) {
+        AppendString(current->get_ref<const std::string&>(), out);
+      } else if (current->is_boolean()) {
+        out += current->get<bool>() ? "true" : "false";
+      } else if (current->is_null()) {
+        out += "null";
+      } else if (current->is_number_integer()) {
+        out += current->is_number_unsigned() ? std::to_string(current->get<uint64_t>())
+                                             : std::to_string(current->get<int64_t>());
+      } else {
+        out += current->dump(-1, ' ', false, Json::error_handler_t::replace);
+      }
+      current = nullptr;
+    }
+    if (stack.empty()) return;
+    Frame& top = stack.back();
+    if (top.next == top.container->end()) {
+      out += top.container->is_object() ? '}' : ']';
+      stack.pop_back();
+      continue;
+    }
+    if (top.next != top.container->begin()) out += ',';
+    if (top.container->is_object()) {
+      AppendString(top.next.key(), out);
+      out += ':';
+    }
+    current = &*top.next;
+    ++top.next;
+  }
+}
+
+}  // namespace
+
+std::string AnswerText(const Json& answer) {
+  std::string out;
+  out.reserve(256);
+  AppendAnswer(answer, out);
+  return out;
 }
 
 }  // namespace zarvik::automation

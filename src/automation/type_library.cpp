@@ -1,11 +1,19 @@
 #include "automation/type_library.h"
 
-#include "platform/vb_string.h"
-
 namespace zarvik::automation {
 namespace {
 
-bool SameName(const std::string& a, const std::string& b) { return vb::UCase(a) == vb::UCase(b); }
+char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c; }
+
+// Names compare as UCase(a) = UCase(b), without copying either: most
+// differ in length already.
+bool SameName(const std::string& a, const std::string& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (AsciiUpper(a[i]) != AsciiUpper(b[i])) return false;
+  }
+  return true;
+}
 
 }  // namespace
 

@@ -21,6 +21,7 @@
 #include "automation/invocation.h"
 #include "db/tracing.h"
 #include "platform/env.h"
+#include "platform/object.h"
 #include "platform/variant.h"
 
 namespace zarvik::automation {
@@ -116,6 +117,12 @@ struct ClassDescription {
   // Creates an instance of the class (the pointer's deleter runs its
   // termination).
   std::function<std::shared_ptr<void>(const CreationContext&)> create;
+  // For a class whose instances hold other objects: the instance's
+  // Object::ForEachReference and ReleaseReferences. Null: it holds none
+  // that could close a cycle.
+  std::function<void(const void* instance, const std::function<void(const ObjectRef&)>& visit)>
+      for_each_reference;
+  std::function<void(void* instance)> release_references;
 
   // The first member with this name (compared without regard to case) and
   // kind, or nullptr.

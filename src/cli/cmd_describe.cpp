@@ -1,5 +1,6 @@
-// `zarvik describe`: the automation description of the three classes as
-// IDL-like text.
+// `zarvik describe`: the automation description of the three classes as the
+// IDL of the component's type library; with --thunks, the C++ vtable thunks
+// of its dual interfaces (the Windows build compiles both).
 #include <ostream>
 
 #include "automation/idl_text.h"
@@ -9,12 +10,17 @@
 namespace zarvik::cli {
 
 int RunDescribe(const Args& args, Streams io) {
-  if (!args.empty()) {
-    io.err << "usage: zarvik describe\n";
-    return 2;
+  const automation::TypeLibrary library = automation::BuildTypeLibrary();
+  if (args.empty() || (args.size() == 1 && args[0] == "--idl")) {
+    io.out << automation::TypeLibraryIdl(library);
+    return 0;
   }
-  io.out << automation::TypeLibraryIdl(automation::BuildTypeLibrary());
-  return 0;
+  if (args.size() == 2 && args[0] == "--thunks") {
+    io.out << automation::TypeLibraryThunks(library, args[1]);
+    return 0;
+  }
+  io.err << "usage: zarvik describe [--idl | --thunks IDL_HEADER]\n";
+  return 2;
 }
 
 }  // namespace zarvik::cli

@@ -6,13 +6,22 @@
 
 #include "db/connection_string.h"
 #include "db/odbc_backend.h"
+#ifndef _WIN32
 #include "db/sqlite_backend.h"
+#endif
 #include "platform/vb_error.h"
 #include "platform/vb_string.h"
 
 namespace zarvik::db {
 namespace {
 
+#ifdef _WIN32
+constexpr const char* kKnownProviders = "SQLOLEDB, SQLNCLI11, MSOLEDBSQL, MSDASQL";
+#else
+constexpr const char* kKnownProviders = "SQLite, SQLOLEDB, SQLNCLI11, MSOLEDBSQL, MSDASQL";
+#endif
+
+#ifndef _WIN32
 SqliteOpenMode SqliteMode(const std::string& connection_string) {
   const std::string mode = vb::UCase(ConnectionStringValue(connection_string, "Mode"));
   if (mode.empty() || mode == "READWRITE") return SqliteOpenMode::kReadWrite;
@@ -22,6 +31,7 @@ SqliteOpenMode SqliteMode(const std::string& connection_string) {
                 "SQLite: Mode must be ReadWrite, ReadWriteCreate or ReadOnly, not '" +
                     ConnectionStringValue(connection_string, "Mode") + "'");
 }
+#endif
 
 // The SQL Server ODBC driver an OLE DB connection string is given to: the
 // newest of Microsoft's drivers that is installed, else FreeTDS, else the
@@ -57,6 +67,9 @@ std::unique_ptr<Backend> OpenBackend(const std::string& connection_string, int c
   const std::string provider = ConnectionStringValue(connection_string, "Provider");
   const std::string name = vb::UCase(provider);
   if (name.empty()) return OpenOdbcBackend(connection_string, connect_timeout);
+#ifndef _WIN32
+  // The embedded engine is not part of the Windows build: there, a host's
+  // connections are its own ADO's, and SQLite is an unknown provider.
   if (name == "SQLITE") {
     const std::string path = ConnectionStringValue(connection_string, "Data Source");
     if (path.empty()) {
@@ -65,6 +78,7 @@ std::unique_ptr<Backend> OpenBackend(const std::string& connection_string, int c
     }
     return OpenSqliteBackend(path, SqliteMode(connection_string));
   }
+#endif
   if (IsSqlServerOleDbProvider(provider)) {
     const std::string pinned = ConnectionStringValue(connection_string, "Driver");
     const std::string driver = pinned.empty() ? SqlServerOdbcDriver() : pinned;
@@ -78,9 +92,9 @@ std::unique_ptr<Backend> OpenBackend(const std::string& connection_string, int c
   if (name == "MSDASQL" || name.rfind("MSDASQL.", 0) == 0) {
     return OpenOdbcBackend(WithoutProvider(connection_string), connect_timeout);
   }
-  throw VbError(vberr::kAdoProviderNotFound,
-                VbErrorText(vberr::kAdoProviderNotFound) + " (Provider=" + provider +
-                    "; known providers: SQLite, SQLOLEDB, SQLNCLI11, MSOLEDBSQL, MSDASQL)");
+  throw VbError(vberr::kAdoProviderNotFound, VbErrorText(vberr::kAdoProviderNotFound) +
+                                                 " (Provider=" + provider +
+                                                 "; known providers: " + kKnownProviders + ")");
 }
 
 }  // namespace zarvik::db

@@ -47,6 +47,11 @@ class Backend {
   virtual ~Backend() = default;
   // Runs statement text. Failures raise VbError(kProviderError, provider text).
   virtual RowSet Execute(const std::string& sql) = 0;
+  // Runs a script of several statements (set-ups, building a database) and
+  // answers the rows of its first statement that has a result set. The
+  // component never sends scripts. By default the text goes to Execute, as
+  // a server that takes a batch of statements runs it.
+  virtual RowSet ExecuteScript(const std::string& sql) { return Execute(sql); }
   // The parameters of a stored procedure as the database declares them.
   virtual std::vector<ParameterInfo> DescribeProcedure(const std::string& name) = 0;
   // Calls a stored procedure; output parameters are written back into

@@ -19,7 +19,24 @@ bool IsStoredProc(long type) { return type != kCmdUnspecified && (type & 0x7) ==
 
 }  // namespace
 
+Parameter::Parameter(std::string name, ObjectRef peer) : peer_(std::move(peer)) {
+  info_.name = std::move(name);
+}
+
+Variant Parameter::Value() const { return peer_ ? peer_->GetProperty("Value") : info_.value; }
+
+void Parameter::SetValue(const Variant& value) {
+  if (peer_) return peer_->PutProperty("Value", value);
+  info_.value = value;
+}
+
+void Command::SetCommandType(int value) {
+  if (peer_) peer_->PutProperty("CommandType", Variant(static_cast<int32_t>(value)));
+  command_type_ = value;
+}
+
 void Command::SetCommandText(const std::string& value) {
+  if (peer_) peer_->PutProperty("CommandText", Variant(value));
   if (value != command_text_) {
     parameters_.clear();
     described_ = false;
@@ -29,6 +46,13 @@ void Command::SetCommandText(const std::string& value) {
 
 void Command::SetActiveConnection(std::shared_ptr<Connection> connection) {
   connection_ = std::move(connection);
+  if (!connection_ || !connection_->Peer()) return;
+  if (!peer_) {
+    peer_ = connection_->PeerFactory()->CreateObject("ADODB.Command");
+    peer_->PutProperty("CommandType", Variant(static_cast<int32_t>(command_type_)));
+    peer_->PutProperty("CommandText", Variant(command_text_));
+  }
+  peer_->PutProperty("ActiveConnection", Variant(connection_->Peer()));
 }
 
 void Command::Describe() {
@@ -48,6 +72,15 @@ void Command::Describe() {
 }
 
 Parameter& Command::Parameters(const std::string& name) {
+  if (peer_) {
+    for (Parameter& p : parameters_) {
+      if (ParameterKey(p.Name()) == ParameterKey(name)) return p;
+    }
+    std::vector<Variant> key{Variant(name)};
+    ObjectRef item =
+        peer_->GetProperty("Parameters").ToObject()->CallMethod("Item", key).ToObject();
+    return parameters_.emplace_back(name, std::move(item));
+  }
   if (!described_ && IsStoredProc(command_type_)) Describe();
   const std::string key = ParameterKey(name);
   for (Parameter& p : parameters_) {
@@ -56,12 +89,34 @@ Parameter& Command::Parameters(const std::string& name) {
   throw VbError(vberr::kAdoItemNotFound);
 }
 
+int Command::ParameterCount() {
+  if (peer_) return peer_->GetProperty("Parameters").ToObject()->GetProperty("Count").ToLong();
+  if (!described_ && IsStoredProc(command_type_)) Describe();
+  return static_cast<int>(parameters_.size());
+}
+
 void Command::AppendParameter(ParameterInfo info) {
+  if (peer_) {
+    // cmd.Parameters.Append cmd.CreateParameter(Name, Type, Direction, Size):
+    // a text parameter needs a size, and 8000 is SQL Server's longest varchar.
+    const int32_t size = info.type == adtype::kVarChar ? 8000 : 0;
+    std::vector<Variant> args{Variant(info.name), Variant(static_cast<int32_t>(info.type)),
+                              Variant(static_cast<int32_t>(info.direction)), Variant(size)};
+    ObjectRef parameter = peer_->CallMethod("CreateParameter", args).ToObject();
+    args = {Variant(parameter)};
+    peer_->GetProperty("Parameters").ToObject()->CallMethod("Append", args);
+    parameters_.emplace_back(info.name, std::move(parameter));
+    return;
+  }
   parameters_.emplace_back(std::move(info));
   described_ = true;  // an explicit collection is not described again
 }
 
 std::shared_ptr<Recordset> Command::Execute(long /*options*/) {
+  if (peer_) {
+    std::vector<Variant> none;
+    return std::make_shared<Recordset>(peer_->CallMethod("Execute", none).ToObject());
+  }
   if (!connection_) throw VbError(vberr::kAdoConnectionUnusable);
   Backend& backend = connection_->OpenBackendOrThrow();
   if (!IsStoredProc(command_type_)) return connection_->Execute(command_text_, command_type_);

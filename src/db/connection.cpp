@@ -25,33 +25,83 @@ long OptionsArgument(const Variant& value) {
 
 }  // namespace
 
+Connection::Connection(ObjectRef peer, std::shared_ptr<ObjectFactory> factory)
+    : peer_(std::move(peer)), factory_(std::move(factory)) {}
+
 Connection::~Connection() = default;
 
+std::shared_ptr<Connection> NewConnection(const std::shared_ptr<ObjectFactory>& data_access) {
+  if (!data_access) return std::make_shared<Connection>();
+  return std::make_shared<Connection>(data_access->CreateObject("ADODB.Connection"), data_access);
+}
+
+std::shared_ptr<Connection> AsConnection(const ObjectRef& object,
+                                         const std::shared_ptr<ObjectFactory>& data_access) {
+  if (auto connection = std::dynamic_pointer_cast<Connection>(object)) return connection;
+  if (!object || !data_access) return nullptr;
+  return std::make_shared<Connection>(object, data_access);
+}
+
+std::string Connection::ConnectionString() const {
+  return peer_ ? peer_->GetProperty("ConnectionString").ToString() : connection_string_;
+}
+
+int Connection::CommandTimeout() const {
+  return peer_ ? peer_->GetProperty("CommandTimeout").ToLong() : command_timeout_;
+}
+
+int Connection::ConnectionTimeout() const {
+  return peer_ ? peer_->GetProperty("ConnectionTimeout").ToLong() : connection_timeout_;
+}
+
+long Connection::IsolationLevel() const {
+  return peer_ ? peer_->GetProperty("IsolationLevel").ToLong() : isolation_level_;
+}
+
+int Connection::CursorLocation() const {
+  return peer_ ? peer_->GetProperty("CursorLocation").ToLong() : cursor_location_;
+}
+
 void Connection::SetConnectionString(const std::string& value) {
+  if (peer_) return peer_->PutProperty("ConnectionString", Variant(value));
   if (backend_) throw VbError(vberr::kAdoObjectOpen);
   connection_string_ = value;
 }
 
 void Connection::SetCommandTimeout(int seconds) {
+  if (peer_) return peer_->PutProperty("CommandTimeout", Variant(static_cast<int32_t>(seconds)));
   if (seconds < 0) throw VbError(vberr::kAdoArgumentsWrong);
   command_timeout_ = seconds;
   if (backend_) backend_->SetCommandTimeout(seconds);
 }
 
 void Connection::SetConnectionTimeout(int seconds) {
+  if (peer_) return peer_->PutProperty("ConnectionTimeout", Variant(static_cast<int32_t>(seconds)));
   if (backend_) throw VbError(vberr::kAdoObjectOpen);
   if (seconds < 0) throw VbError(vberr::kAdoArgumentsWrong);
   connection_timeout_ = seconds;
 }
 
-void Connection::SetIsolationLevel(long value) { isolation_level_ = value; }
+void Connection::SetIsolationLevel(long value) {
+  if (peer_) return peer_->PutProperty("IsolationLevel", Variant(static_cast<int32_t>(value)));
+  isolation_level_ = value;
+}
 
 void Connection::SetCursorLocation(int value) {
+  if (peer_) return peer_->PutProperty("CursorLocation", Variant(static_cast<int32_t>(value)));
   if (value != kUseServer && value != kUseClient) throw VbError(vberr::kAdoArgumentsWrong);
   cursor_location_ = value;
 }
 
-void Connection::Open(const std::string& user_id, const std::string& password, long /*options*/) {
+void Connection::Open(const std::string& user_id, const std::string& password, long options) {
+  if (peer_) {
+    // Open(ConnectionString, UserID, Password, Options): an empty connection
+    // string argument opens the ConnectionString property.
+    std::vector<Variant> args{Variant(""), Variant(user_id), Variant(password),
+                              Variant(static_cast<int32_t>(options))};
+    peer_->CallMethod("Open", args);
+    return;
+  }
   if (backend_) throw VbError(vberr::kAdoObjectOpen);
   std::string text = connection_string_;
   if (!user_id.empty()) text += ";UID=" + user_id + ";PWD=" + password;
@@ -73,30 +123,32 @@ void Connection::Open(const std::string& user_id, const std::string& password, l
 }
 
 void Connection::Close() {
+  if (peer_) {
+    std::vector<Variant> none;
+    peer_->CallMethod("Close", none);
+    return;
+  }
   if (!backend_) throw VbError(vberr::kAdoObjectClosed);
   tracing_ = nullptr;
   backend_.reset();
 }
 
-int Connection::State() const { return backend_ ? kStateOpen : kStateClosed; }
+int Connection::State() const {
+  if (peer_) return peer_->GetProperty("State").ToLong();
+  return backend_ ? kStateOpen : kStateClosed;
+}
 
 Backend& Connection::OpenBackendOrThrow() {
   if (!backend_) throw VbError(vberr::kAdoConnectionUnusable);
   return *backend_;
 }
 
-std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long options) {
+template <class F>
+std::shared_ptr<Recordset> Connection::Run(F&& run) {
   Backend& backend = OpenBackendOrThrow();
   RowSet rows;
   try {
-    if (IsStoredProc(options)) {
-      std::vector<ParameterInfo> none;
-      rows = backend.CallProcedure(text, none);
-    } else if (options != kCmdUnspecified && (options & kCmdTypeMask) == kCmdTable) {
-      rows = backend.Execute("SELECT * FROM " + text);
-    } else {
-      rows = backend.Execute(text);
-    }
+    rows = run(backend);
   } catch (const VbError&) {
     throw;
   } catch (const std::exception& e) {
@@ -106,6 +158,31 @@ std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long opt
   auto recordset = std::make_shared<Recordset>(std::move(rows), cursor_location_);
   if (!has_rows) recordset->Close();
   return recordset;
+}
+
+std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long options) {
+  if (peer_) {
+    // Execute(CommandText, RecordsAffected, Options).
+    if (log_) log_->statements.push_back(text);
+    std::vector<Variant> args{Variant(text), Variant(), Variant(static_cast<int32_t>(options))};
+    return std::make_shared<Recordset>(peer_->CallMethod("Execute", args).ToObject());
+  }
+  return Run([&](Backend& backend) {
+    if (IsStoredProc(options)) {
+      std::vector<ParameterInfo> none;
+      return backend.CallProcedure(text, none);
+    }
+    if (options != kCmdUnspecified && (options & kCmdTypeMask) == kCmdTable) {
+      return backend.Execute("SELECT * FROM " + text);
+    }
+    return backend.Execute(text);
+  });
+}
+
+std::shared_ptr<Recordset> Connection::ExecuteScript(const std::string& script) {
+  // A foreign provider takes a script as one batch.
+  if (peer_) return Execute(script, kCmdText);
+  return Run([&](Backend& backend) { return backend.ExecuteScript(script); });
 }
 
 void Connection::SetStatementLog(std::shared_ptr<StatementLog> log) {
@@ -121,6 +198,7 @@ void Connection::SetStatementLog(std::shared_ptr<StatementLog> log) {
 }
 
 Variant Connection::GetProperty(const std::string& name) {
+  if (peer_) return peer_->GetProperty(name);
   const std::string member = vb::UCase(name);
   if (member == "CONNECTIONSTRING") return Variant(ConnectionString());
   if (member == "STATE") return Variant(static_cast<int32_t>(State()));
@@ -132,6 +210,7 @@ Variant Connection::GetProperty(const std::string& name) {
 }
 
 void Connection::PutProperty(const std::string& name, const Variant& value) {
+  if (peer_) return peer_->PutProperty(name, value);
   const std::string member = vb::UCase(name);
   if (member == "CONNECTIONSTRING") {
     SetConnectionString(value.ToString());
@@ -151,6 +230,7 @@ void Connection::PutProperty(const std::string& name, const Variant& value) {
 // Open([ConnectionString[, UserID[, Password[, Options]]]]), Close(),
 // Execute(text[, options]) and ADO's Execute(text, RecordsAffected, options).
 Variant Connection::CallMethod(const std::string& name, std::vector<Variant>& args) {
+  if (peer_) return peer_->CallMethod(name, args);
   const std::string member = vb::UCase(name);
   auto text_arg = [&args](size_t i) {
     return i < args.size() && !args[i].IsEmpty() ? args[i].ToString() : std::string();

@@ -1,5 +1,8 @@
 #include "db/odbc_backend.h"
 
+#ifdef _WIN32
+#include <windows.h>  // mingw's sql.h needs the Windows types first
+#endif
 #include <sql.h>
 #include <sqlext.h>
 
@@ -13,6 +16,7 @@
 #include "db/odbc_handle.h"
 #include "db/odbc_support.h"
 #include "db/tsql_dialect.h"
+#include "platform/utf16.h"
 #include "platform/vb_error.h"
 
 namespace zarvik::db {
@@ -133,7 +137,7 @@ void BindParameter(SQLHSTMT stmt, SQLUSMALLINT number, const ParameterInfo& para
       column_size = std::max<size_t>(text.size(), 1);
       if (IsOutput(param.direction)) {
         room = std::max(room, kOutputTextBytes);
-        column_size = std::max(column_size, kOutputTextBytes - 1);
+        column_size = std::max<SQLULEN>(column_size, kOutputTextBytes - 1);
       }
       bound.buffer.assign(room, '\0');
       std::memcpy(bound.buffer.data(), text.data(), text.size());
@@ -290,7 +294,8 @@ Variant ReadValue(SQLHSTMT stmt, SQLUSMALLINT column, ColumnKind kind) {
       if (!bytes) return Variant::Null();
       std::u16string units(bytes->size() / sizeof(char16_t), u'\0');
       std::memcpy(units.data(), bytes->data(), units.size() * sizeof(char16_t));
-      return Variant(odbc::Utf8FromUtf16(units));
+      // Host order, as SQL_C_WCHAR delivers it; nothing is lost on the way.
+      return Variant(Utf8FromUtf16(units));
     }
     case ColumnKind::kBinary: {
       auto bytes = ReadPieces(stmt, column, SQL_C_BINARY, 0);

@@ -3,6 +3,9 @@
 #ifndef ZARVIK_DB_ODBC_HANDLE_H_
 #define ZARVIK_DB_ODBC_HANDLE_H_
 
+#ifdef _WIN32
+#include <windows.h>  // mingw's sql.h needs the Windows types first
+#endif
 #include <sql.h>
 #include <sqlext.h>
 

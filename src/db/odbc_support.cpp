@@ -1,5 +1,8 @@
 #include "db/odbc_support.h"
 
+#ifdef _WIN32
+#include <windows.h>  // mingw's sql.h needs the Windows types first
+#endif
 #include <sql.h>
 #include <sqlext.h>
 
@@ -39,24 +42,6 @@ std::string StripBrackets(const std::string& part) {
     return part.substr(1, part.size() - 2);
   }
   return part;
-}
-
-void AppendUtf8(char32_t cp, std::string& out) {
-  if (cp < 0x80) {
-    out += static_cast<char>(cp);
-  } else if (cp < 0x800) {
-    out += static_cast<char>(0xC0 | (cp >> 6));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  } else if (cp < 0x10000) {
-    out += static_cast<char>(0xE0 | (cp >> 12));
-    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (cp >> 18));
-    out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  }
 }
 
 // Copies a quoted run (string literal or quoted identifier) starting at
@@ -287,26 +272,6 @@ MarkedSql ReplaceNamedParameters(const std::string& body) {
     } else {
       out.sql += c;
       ++i;
-    }
-  }
-  return out;
-}
-
-std::string Utf8FromUtf16(const std::u16string& text) {
-  std::string out;
-  out.reserve(text.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char16_t unit = text[i];
-    if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-        text[i + 1] <= 0xDFFF) {
-      const char32_t cp = 0x10000 + ((static_cast<char32_t>(unit) - 0xD800) << 10) +
-                          (static_cast<char32_t>(text[i + 1]) - 0xDC00);
-      AppendUtf8(cp, out);
-      ++i;
-    } else if (unit >= 0xD800 && unit <= 0xDFFF) {
-      AppendUtf8(0xFFFD, out);
-    } else {
-      AppendUtf8(unit, out);
     }
   }
   return out;

@@ -82,10 +82,6 @@ struct MarkedSql {
 };
 MarkedSql ReplaceNamedParameters(const std::string& body);
 
-// UTF-16 code units (host order, as SQL_C_WCHAR delivers them) to UTF-8.
-// An unpaired surrogate becomes U+FFFD.
-std::string Utf8FromUtf16(const std::u16string& text);
-
 // One diagnostic record of a handle.
 struct DiagRecord {
   std::string sqlstate;

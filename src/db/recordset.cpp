@@ -149,18 +149,30 @@ Recordset::Recordset(RowSet rows, int cursor_location)
   for (size_t i = 0; i < rows_.rows.size(); ++i) visible_.push_back(i);
 }
 
-int Recordset::State() const { return open_ ? 1 : 0; }
+Recordset::Recordset(ObjectRef peer) : cursor_location_(kUseClient), peer_(std::move(peer)) {}
+
+ObjectRef Recordset::PeerField(const Variant& key) const {
+  std::vector<Variant> args{key};
+  return peer_->GetProperty("Fields").ToObject()->CallMethod("Item", args).ToObject();
+}
+
+int Recordset::State() const {
+  if (peer_) return peer_->GetProperty("State").ToLong();
+  return open_ ? 1 : 0;
+}
 
 void Recordset::CheckOpen() const {
   if (!open_) throw VbError(vberr::kAdoObjectClosed);
 }
 
 bool Recordset::EOF() const {
+  if (peer_) return peer_->GetProperty("EOF").ToBool();
   CheckOpen();
   return position_ >= visible_.size();
 }
 
 bool Recordset::BOF() const {
+  if (peer_) return peer_->GetProperty("BOF").ToBool();
   CheckOpen();
   return visible_.empty() || moved_before_first_;
 }
@@ -174,6 +186,7 @@ int Recordset::ColumnIndex(const std::string& name) const {
 }
 
 Variant Recordset::Fields(const std::string& name) const {
+  if (peer_) return PeerField(Variant(name))->GetProperty("Value");
   CheckOpen();
   const int index = ColumnIndex(name);
   if (index < 0) throw VbError(vberr::kAdoItemNotFound);
@@ -181,6 +194,7 @@ Variant Recordset::Fields(const std::string& name) const {
 }
 
 Variant Recordset::Fields(int index) const {
+  if (peer_) return PeerField(Variant(static_cast<int32_t>(index)))->GetProperty("Value");
   CheckOpen();
   if (index < 0 || index >= FieldCount()) throw VbError(vberr::kAdoItemNotFound);
   if (position_ >= visible_.size() || moved_before_first_) {
@@ -190,29 +204,41 @@ Variant Recordset::Fields(int index) const {
 }
 
 int Recordset::FieldCount() const {
+  if (peer_) return peer_->GetProperty("Fields").ToObject()->GetProperty("Count").ToLong();
   CheckOpen();
   return static_cast<int>(rows_.columns.size());
 }
 
 std::string Recordset::FieldName(int index) const {
+  if (peer_) return PeerField(Variant(static_cast<int32_t>(index)))->GetProperty("Name").ToString();
   CheckOpen();
   if (index < 0 || index >= FieldCount()) throw VbError(vberr::kAdoItemNotFound);
   return rows_.columns[static_cast<size_t>(index)];
 }
 
 void Recordset::MoveNext() {
+  if (peer_) {
+    std::vector<Variant> none;
+    peer_->CallMethod("MoveNext", none);
+    return;
+  }
   CheckOpen();
   if (position_ >= visible_.size()) throw VbError(vberr::kAdoNoCurrentRecord);
   ++position_;
 }
 
 int32_t Recordset::RecordCount() const {
+  if (peer_) return peer_->GetProperty("RecordCount").ToLong();
   CheckOpen();
   if (cursor_location_ != kUseClient) return -1;
   return static_cast<int32_t>(visible_.size());
 }
 
 void Recordset::SetFilter(const Variant& criteria) {
+  if (peer_) {
+    peer_->PutProperty("Filter", criteria);
+    return;
+  }
   CheckOpen();
   std::vector<size_t> visible;
   const bool clear = criteria.Type() == VarType::kString
@@ -245,11 +271,17 @@ void Recordset::SetFilter(const Variant& criteria) {
 }
 
 Variant Recordset::Filter() const {
+  if (peer_) return peer_->GetProperty("Filter");
   CheckOpen();
   return filter_;
 }
 
 void Recordset::Close() {
+  if (peer_) {
+    std::vector<Variant> none;
+    peer_->CallMethod("Close", none);
+    return;
+  }
   CheckOpen();
   open_ = false;
   rows_ = RowSet{};
@@ -258,6 +290,7 @@ void Recordset::Close() {
 }
 
 Variant Recordset::GetProperty(const std::string& name) {
+  if (peer_) return peer_->GetProperty(name);
   const std::string member = vb::UCase(name);
   if (member == "EOF") return Variant::Boolean(EOF());
   if (member == "BOF") return Variant::Boolean(BOF());
@@ -268,6 +301,10 @@ Variant Recordset::GetProperty(const std::string& name) {
 }
 
 void Recordset::PutProperty(const std::string& name, const Variant& value) {
+  if (peer_) {
+    peer_->PutProperty(name, value);
+    return;
+  }
   if (vb::UCase(name) == "FILTER") {
     SetFilter(value);
     return;
@@ -276,6 +313,7 @@ void Recordset::PutProperty(const std::string& name, const Variant& value) {
 }
 
 Variant Recordset::CallMethod(const std::string& name, std::vector<Variant>& args) {
+  if (peer_) return peer_->CallMethod(name, args);
   const std::string member = vb::UCase(name);
   if (member == "FIELDS" || member == "COLLECT") {
     if (args.size() != 1) throw VbError(vberr::kWrongArgCount);

@@ -29,6 +29,11 @@ constexpr int kFilterNone = 0;
 class Recordset : public Object {
  public:
   Recordset(RowSet rows, int cursor_location);
+  // A recordset of a foreign ADO library (see Connection's peer): every
+  // member below is a late-bound call on `peer`, fields read as
+  // Fields.Item(key).Value, and the host gets `peer` itself back.
+  explicit Recordset(ObjectRef peer);
+  const ObjectRef& Peer() const { return peer_; }
 
   // adStateOpen (1) until Close, then adStateClosed (0).
   int State() const;
@@ -61,6 +66,7 @@ class Recordset : public Object {
  private:
   void CheckOpen() const;
   int ColumnIndex(const std::string& name) const;
+  ObjectRef PeerField(const Variant& key) const;
 
   RowSet rows_;
   int cursor_location_;
@@ -69,6 +75,7 @@ class Recordset : public Object {
   size_t position_ = 0;          // index into visible_
   bool moved_before_first_ = false;
   Variant filter_ = Variant(int16_t{0});
+  ObjectRef peer_;
 };
 
 }  // namespace zarvik::db

@@ -12,9 +12,11 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "db/sqlite_statement_cache.h"
 #include "db/tsql_dialect.h"
 #include "platform/env.h"
 #include "platform/vb_error.h"
@@ -169,15 +171,18 @@ void CallScalarFunction(sqlite3_context* context, int argc, sqlite3_value** argv
     (fn->busy ? nested : fn->cached).reset(raw);
     stmt = raw;
   }
-  // The body's ?1..?n take the arguments in order.
-  const int expected = sqlite3_bind_parameter_count(stmt);
-  if (argc != expected) {
-    fail("takes " + std::to_string(expected) + " argument(s), called with " + std::to_string(argc));
+  // The body's ?1..?n take the first n arguments, n being the highest
+  // number the body reads; further arguments are ignored, as a caller may
+  // pass more than a body needs, but too few is an error.
+  const int needed = sqlite3_bind_parameter_count(stmt);
+  if (argc < needed) {
+    fail("needs " + std::to_string(needed) + " argument(s), called with " + std::to_string(argc) +
+         "; its body reads ?1 to ?" + std::to_string(needed));
     return;
   }
   const bool owner = !fn->busy;
   fn->busy = true;
-  for (int i = 0; i < argc; ++i) sqlite3_bind_value(stmt, i + 1, argv[i]);
+  for (int i = 0; i < needed; ++i) sqlite3_bind_value(stmt, i + 1, argv[i]);
   const int rc = sqlite3_step(stmt);
   if (rc == SQLITE_ROW) {
     sqlite3_result_value(context, sqlite3_column_value(stmt, 0));
@@ -210,7 +215,7 @@ int CompareTsql(void* /*unused*/, int left_size, const void* left, int right_siz
 
 class SqliteBackend : public Backend {
  public:
-  explicit SqliteBackend(DbPtr db) : db_(std::move(db)) {
+  explicit SqliteBackend(DbPtr db) : db_(std::move(db)), statements_(db_.get()) {
     const int rc =
         sqlite3_create_collation_v2(db_.get(), "TSQL", SQLITE_UTF8, nullptr, CompareTsql, nullptr);
     if (rc != SQLITE_OK) Fail(rc, "");
@@ -222,9 +227,17 @@ class SqliteBackend : public Backend {
 
   ~SqliteBackend() override {
     functions_.clear();  // finalizes the bodies' statements before the close
+    statements_.Clear();
   }
 
   RowSet Execute(const std::string& sql) override {
+    const std::string translated = translations_.Translate(sql);
+    RowSet rows = RunStatement(translated);
+    if (vb::InStr(1, translated, "ZARVIK_ROUTINES", vb::Compare::kText) != 0) LoadFunctions();
+    return rows;
+  }
+
+  RowSet ExecuteScript(const std::string& sql) override {
     const std::string translated = translations_.Translate(sql);
     RowSet rows = RunScript(translated);
     if (vb::InStr(1, translated, "ZARVIK_ROUTINES", vb::Compare::kText) != 0) LoadFunctions();
@@ -235,7 +248,7 @@ class SqliteBackend : public Backend {
   // result; a name that is both is an input-output parameter. The body
   // says nothing of types, so every parameter is a Variant.
   std::vector<ParameterInfo> DescribeProcedure(const std::string& name) override {
-    const StmtPtr stmt = PrepareBody(name);
+    const SqliteStatementCache::Lease stmt = PrepareBody(name);
     std::vector<ParameterInfo> params;
     for (int i = 1; i <= sqlite3_bind_parameter_count(stmt.get()); ++i) {
       const std::string bind = BindName(stmt.get(), i);
@@ -265,7 +278,7 @@ class SqliteBackend : public Backend {
   }
 
   RowSet CallProcedure(const std::string& name, std::vector<ParameterInfo>& params) override {
-    const StmtPtr stmt = PrepareBody(name);
+    const SqliteStatementCache::Lease stmt = PrepareBody(name);
     for (const ParameterInfo& p : params) {
       if (p.direction != ParameterDirection::kInput &&
           p.direction != ParameterDirection::kInputOutput) {
@@ -324,31 +337,48 @@ class SqliteBackend : public Backend {
     return result;
   }
 
+  // Runs the one statement of `text` (the routines are registered first
+  // when it names a function SQLite does not know yet). A text that goes on
+  // with a second statement is refused before anything runs, so that a
+  // value pasted into a statement can never add one of its own.
+  RowSet RunStatement(const std::string& text) {
+    int rc = SQLITE_OK;
+    SqliteStatementCache::Lease stmt = statements_.Prepare(text, 0, rc);
+    if (rc != SQLITE_OK && MissingFunction() && LoadFunctions()) {
+      stmt = statements_.Prepare(text, 0, rc);
+    }
+    if (rc != SQLITE_OK) Fail(rc, text);
+    const std::string_view rest = std::string_view(text).substr(stmt ? stmt.tail() : text.size());
+    if (!HoldsNoStatement(rest)) {
+      throw VbError(vberr::kProviderError,
+                    "SQLite error 1: a command runs one statement; the text goes on after it "
+                    "with \"" +
+                        Trim(std::string(rest)) + "\" in statement: " + Trim(text));
+    }
+    return stmt ? ReadRows(stmt.get()) : RowSet{};
+  }
+
   // Runs every statement of `text`; answers the rows of the first statement
-  // that has a result set.
+  // that has a result set. A text of one statement runs the statement kept
+  // from its last run.
   RowSet RunScript(const std::string& text) {
     RowSet result;
     bool have_result = false;
-    const char* tail = text.c_str();
-    const char* const end = tail + text.size();
-    while (tail < end) {
-      sqlite3_stmt* raw = nullptr;
-      const char* next = nullptr;
-      int rc = sqlite3_prepare_v2(db_.get(), tail, static_cast<int>(end - tail), &raw, &next);
+    size_t offset = 0;
+    while (offset < text.size()) {
+      int rc = SQLITE_OK;
+      SqliteStatementCache::Lease stmt = statements_.Prepare(text, offset, rc);
       if (rc != SQLITE_OK && MissingFunction() && LoadFunctions()) {
-        sqlite3_finalize(raw);
-        raw = nullptr;
-        rc = sqlite3_prepare_v2(db_.get(), tail, static_cast<int>(end - tail), &raw, &next);
+        stmt = statements_.Prepare(text, offset, rc);
       }
-      StmtPtr stmt(raw);
-      if (rc != SQLITE_OK) Fail(rc, std::string(tail, end));
+      if (rc != SQLITE_OK) Fail(rc, text.substr(offset));
       if (!stmt) break;  // only blanks or comments left
       RowSet rows = ReadRows(stmt.get());
       if (!have_result && !rows.columns.empty()) {
         result = std::move(rows);
         have_result = true;
       }
-      tail = next;
+      offset = stmt.tail();
     }
     return result;
   }
@@ -359,27 +389,25 @@ class SqliteBackend : public Backend {
 
   // The body of the routine `name` (brackets, a dbo. qualifier and case do
   // not matter) prepared; an unknown routine is SQL Server's error 2812.
-  StmtPtr PrepareBody(const std::string& name) {
+  SqliteStatementCache::Lease PrepareBody(const std::string& name) {
+    static const std::string kLookup =
+        "SELECT ROUTINE_BODY FROM ZARVIK_ROUTINES WHERE UPPER(ROUTINE_NAME) = UPPER(?1)";
     std::optional<std::string> body;
     {
-      sqlite3_stmt* raw = nullptr;
-      const char* sql =
-          "SELECT ROUTINE_BODY FROM ZARVIK_ROUTINES WHERE UPPER(ROUTINE_NAME) = UPPER(?1)";
-      if (sqlite3_prepare_v2(db_.get(), sql, -1, &raw, nullptr) == SQLITE_OK) {
-        StmtPtr lookup(raw);
+      int rc = SQLITE_OK;
+      const SqliteStatementCache::Lease lookup = statements_.Prepare(kLookup, 0, rc);
+      if (rc == SQLITE_OK && lookup) {  // else no routines table: no procedures
         const std::string bare = BareRoutineName(name);
-        sqlite3_bind_text(raw, 1, bare.c_str(), -1, SQLITE_TRANSIENT);
-        if (sqlite3_step(raw) == SQLITE_ROW && sqlite3_column_type(raw, 0) != SQLITE_NULL) {
-          body = reinterpret_cast<const char*>(sqlite3_column_text(raw, 0));
+        sqlite3_bind_text(lookup.get(), 1, bare.c_str(), -1, SQLITE_TRANSIENT);
+        if (sqlite3_step(lookup.get()) == SQLITE_ROW &&
+            sqlite3_column_type(lookup.get(), 0) != SQLITE_NULL) {
+          body = reinterpret_cast<const char*>(sqlite3_column_text(lookup.get(), 0));
         }
-      } else {
-        sqlite3_finalize(raw);  // no routines table: no procedures
       }
     }
     if (!body) throw VbError(vberr::kProviderError, NotFoundText(name));
-    sqlite3_stmt* raw = nullptr;
-    const int rc = sqlite3_prepare_v2(db_.get(), body->c_str(), -1, &raw, nullptr);
-    StmtPtr stmt(raw);
+    int rc = SQLITE_OK;
+    SqliteStatementCache::Lease stmt = statements_.Prepare(*body, 0, rc);
     if (rc != SQLITE_OK) {
       throw VbError(vberr::kProviderError, "procedure " + BareRoutineName(name) + ": " +
                                                ErrorText(rc, sqlite3_errmsg(db_.get()), *body));
@@ -389,8 +417,10 @@ class SqliteBackend : public Backend {
   }
 
   // Registers every row of ZARVIK_ROUTINES as a scalar function; answers
-  // whether the table held any.
+  // whether the table held any. The statements kept so far are finalised:
+  // they may call the functions replaced.
   bool LoadFunctions() {
+    statements_.Clear();
     sqlite3_stmt* raw = nullptr;
     const char* sql = "SELECT ROUTINE_NAME, ROUTINE_BODY FROM ZARVIK_ROUTINES";
     if (sqlite3_prepare_v2(db_.get(), sql, -1, &raw, nullptr) != SQLITE_OK) {
@@ -426,6 +456,7 @@ class SqliteBackend : public Backend {
 
   DbPtr db_;
   TsqlTranslationCache translations_;
+  SqliteStatementCache statements_;  // finalised before the connection closes
   std::map<std::string, std::unique_ptr<ScalarFunction>> functions_;
 };
 

@@ -5,11 +5,15 @@
 // on a server; "Mode=ReadWriteCreate" in the connection string creates it
 // ("Mode=ReadOnly" opens read-only; the default is "ReadWrite").
 //
-// Every statement text is translated from T-SQL first (TsqlTranslationCache)
-// and may hold several statements separated by ';', so a whole script runs
-// in one Execute; the rows of its first statement that has a result set are
-// returned. Failures raise VbError(kProviderError, "SQLite error N: message
-// in statement: TEXT"); a database that cannot be opened raises
+// Every statement text is translated from T-SQL first (TsqlTranslationCache).
+// Execute runs exactly one statement: a text that goes on after its first
+// statement with anything but blanks, ';' and comments is refused before
+// anything runs, so a value pasted into a statement cannot add a statement
+// of its own; the prepared statement of such a text is kept for the next
+// time it is sent (SqliteStatementCache). ExecuteScript runs every statement
+// of a script and returns the rows of its first statement that has a result
+// set. Failures raise VbError(kProviderError, "SQLite error N: message in
+// statement: TEXT"); a database that cannot be opened raises
 // VbError(kProviderConnectFailed, ...).
 //
 // Field values: INTEGER -> Long when it fits 32 bits, else Double; REAL ->
@@ -35,8 +39,10 @@
 //   a script mentions ZARVIK_ROUTINES (so a script may create the table and
 //   use the functions afterwards). It is called as NAME(...), dbo.NAME(...)
 //   or [dbo].[NAME](...); the body's positional parameters ?1..?n take the
-//   arguments (a different number of arguments is an error), and the first
-//   column of the body's first row is the value, NULL when there is no row.
+//   first n arguments, n being the highest ?n the body reads (further
+//   arguments are ignored, fewer are an error naming the function), and
+//   the first column of the body's first row is the value, NULL when there
+//   is no row.
 //   The server clock KVL_GETDATE, for instance, is the body
 //   'SELECT strftime(''%Y-%m-%d %H:%M:%f'', ''now'', ''localtime'')'.
 // - A stored procedure is the row of its name run with named parameters

@@ -16,6 +16,11 @@ RowSet TracingBackend::Execute(const std::string& sql) {
   return inner_->Execute(sql);
 }
 
+RowSet TracingBackend::ExecuteScript(const std::string& sql) {
+  if (log_) log_->statements.push_back(sql);
+  return inner_->ExecuteScript(sql);
+}
+
 std::vector<ParameterInfo> TracingBackend::DescribeProcedure(const std::string& name) {
   return inner_->DescribeProcedure(name);
 }

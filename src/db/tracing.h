@@ -23,6 +23,7 @@ class TracingBackend : public Backend {
   // Switches to another log (nullptr: record nothing).
   void SetLog(std::shared_ptr<StatementLog> log);
   RowSet Execute(const std::string& sql) override;
+  RowSet ExecuteScript(const std::string& sql) override;
   std::vector<ParameterInfo> DescribeProcedure(const std::string& name) override;
   RowSet CallProcedure(const std::string& name, std::vector<ParameterInfo>& params) override;
   void SetCommandTimeout(int seconds) override;

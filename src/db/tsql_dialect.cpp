@@ -533,13 +533,9 @@ std::string TranslateTsqlToSqlite(const std::string& tsql) {
 }
 
 std::string TsqlTranslationCache::Translate(const std::string& tsql) {
-  const auto found = translations_.find(tsql);
-  if (found != translations_.end()) return found->second;
+  if (const std::string* found = translations_.Find(tsql)) return *found;
   std::string translated = TranslateTsqlToSqlite(tsql);
-  // A component sends few distinct texts; a host that builds texts with
-  // values in them would grow the cache without end, so it starts afresh.
-  if (translations_.size() >= capacity_) translations_.clear();
-  translations_.emplace(tsql, translated);
+  translations_.Insert(tsql, translated, translated.size());
   return translated;
 }
 

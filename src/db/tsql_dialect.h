@@ -13,23 +13,27 @@
 
 #include <cstddef>
 #include <string>
-#include <unordered_map>
+
+#include "db/lru_cache.h"
 
 namespace zarvik::db {
 
 std::string TranslateTsqlToSqlite(const std::string& tsql);
 
 // The translations of one connection, kept by statement text: the component
-// sends the same few texts again and again. Holds at most `capacity` texts.
+// sends the same few texts again and again. Holds at most `max_bytes` of
+// texts (both sides counted), the least recently used leaving first.
 class TsqlTranslationCache {
  public:
-  explicit TsqlTranslationCache(size_t capacity = 1024) : capacity_(capacity) {}
+  static constexpr size_t kDefaultMaxBytes = size_t{8} << 20;
+
+  explicit TsqlTranslationCache(size_t max_bytes = kDefaultMaxBytes) : translations_(max_bytes) {}
   std::string Translate(const std::string& tsql);
-  size_t size() const { return translations_.size(); }
+  size_t size() const { return translations_.Size(); }
+  size_t bytes() const { return translations_.Bytes(); }
 
  private:
-  size_t capacity_;
-  std::unordered_map<std::string, std::string> translations_;
+  LruCache<std::string> translations_;
 };
 
 }  // namespace zarvik::db

@@ -9,8 +9,11 @@
 #ifndef ZARVIK_FRAME_HOST_OBJECT_H_
 #define ZARVIK_FRAME_HOST_OBJECT_H_
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -41,12 +44,19 @@ class HostObject : public Object {
   // of a property); with arguments, or when missing, 438.
   Variant CallMethod(const std::string& name, std::vector<Variant>& args) override;
 
+  // The objects among the members; releasing drops every member.
+  void ForEachReference(const std::function<void(const ObjectRef&)>& visit) const override;
+  void ReleaseReferences() override;
+
  private:
-  std::vector<std::pair<std::string, Variant>>::iterator Find(const std::string& name);
-  std::vector<std::pair<std::string, Variant>>::const_iterator Find(const std::string& name) const;
+  // The member's position in members_, or nullptr.
+  const size_t* Find(const std::string& name) const;
 
   std::string type_name_;
-  std::vector<std::pair<std::string, Variant>> members_;
+  std::vector<std::pair<std::string, Variant>> members_;  // in the order added
+  // Upper-cased name -> position in members_: a lookup costs the same with
+  // ten members or sixty thousand.
+  std::unordered_map<std::string, size_t> index_;
 };
 
 // Convenience for building host objects in code.

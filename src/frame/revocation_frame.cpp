@@ -68,10 +68,26 @@ void RevocationFrame::SetActiveInterface(ObjectRef host) {
       const Variant value = app->GetProperty("Connection");
       ObjectRef object = value.ToObject();  // not an object: 13, skipped
       if (!object) return;
-      auto connection = std::dynamic_pointer_cast<db::Connection>(object);
+      auto connection = db::AsConnection(object, env_.data_access);
       if (!connection) throw VbError(vberr::kTypeMismatch);
       ctx.ConnectionADO = std::move(connection);
     });
+  }
+}
+
+void RevocationFrame::ForEachReference(const std::function<void(const ObjectRef&)>& visit) const {
+  if (active_interface_) visit(active_interface_);
+  if (ctx.ConnectionADO) visit(ctx.ConnectionADO);
+  for (const Variant* field :
+       {&ctx.DittaAgente, &ctx.DittaCorrente, &ctx.IdAgente, &ctx.CodiceAgente}) {
+    ForEachObjectIn(*field, visit);
+  }
+}
+
+void RevocationFrame::ReleaseReferences() {
+  active_interface_.reset();
+  for (Variant* field : {&ctx.DittaAgente, &ctx.DittaCorrente, &ctx.IdAgente, &ctx.CodiceAgente}) {
+    if (field->Type() == VarType::kObject || field->Type() == VarType::kArray) *field = Variant();
   }
 }
 
@@ -83,7 +99,7 @@ bool RevocationFrame::OpenConnection() {
         unavailable = true;
         return;
       }
-      auto connection = std::make_shared<db::Connection>();
+      auto connection = db::NewConnection(env_.data_access);
       ctx.ConnectionADO = connection;
       if (statement_log_) connection->SetStatementLog(statement_log_);
       connection->SetCommandTimeout(100);

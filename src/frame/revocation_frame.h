@@ -18,6 +18,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string>
@@ -93,6 +94,13 @@ class RevocationFrame {
   // A member the host lacks leaves its field unchanged; nothing surfaces.
   void SetActiveInterface(ObjectRef host);
   ObjectRef ActiveInterface() const { return active_interface_; }
+
+  // The objects the frame holds (the host binding, the connection and any
+  // object a Variant field was Set to), and dropping all but the
+  // connection, which holds no object and is closed by termination (see
+  // Object::ForEachReference).
+  void ForEachReference(const std::function<void(const ObjectRef&)>& visit) const;
+  void ReleaseReferences();
 
   // --- Private state --------------------------------------------------------
   // IdUser Let: stores the id; a later resolution overwrites it when the user

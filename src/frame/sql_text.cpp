@@ -10,6 +10,10 @@ std::string QuotedEscaped(const std::string& value) {
   return "'" + vb::Replace(value, "'", "''") + "'";
 }
 
+bool FitsInQuotes(const std::string& value) {
+  return value.find('\'') == std::string::npos && value.find('\0') == std::string::npos;
+}
+
 std::string Unquoted(const Variant& value) {
   if (value.IsEmpty() || value.IsNull()) return std::string();
   return value.ToString();

@@ -21,6 +21,11 @@ std::string Quoted(const std::string& value);
 // "'" + value + "'" with every quote inside doubled.
 std::string QuotedEscaped(const std::string& value);
 
+// True when Quoted(value) is one literal holding exactly the value: the
+// value has no quote (which would end the literal) and no NUL character
+// (which ends the text a database driver reads).
+bool FitsInQuotes(const std::string& value);
+
 // The value's text form pasted as it stands (a company code, a Variant the
 // host gave). Null and Empty add nothing. Objects raise error 13, as VB's
 // string concatenation would.

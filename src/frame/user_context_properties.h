@@ -10,6 +10,7 @@
 #define ZARVIK_FRAME_USER_CONTEXT_PROPERTIES_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -59,6 +60,12 @@ class UserContextProperties {
   void SetActiveInterface(ObjectRef value) { frame_.SetActiveInterface(std::move(value)); }
   // Write-only: the application user id (normally resolved by the object).
   void SetIdUser(int32_t value) { frame_.SetIdUser(value); }
+
+  // --- Cycles of references (see Object::ForEachReference) -------------------
+  void ForEachReference(const std::function<void(const ObjectRef&)>& visit) const {
+    frame_.ForEachReference(visit);
+  }
+  void ReleaseReferences() { frame_.ReleaseReferences(); }
 
   // --- Not part of the automation interface ---------------------------------
   // Statements on a connection this object opens itself are recorded here.

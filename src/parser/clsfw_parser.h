@@ -28,6 +28,10 @@
 
 namespace zarvik {
 
+namespace rewriter {
+class StatementText;
+}  // namespace rewriter
+
 // NOLINTNEXTLINE(readability-identifier-naming): the automation class name
 class CLSFW_PARSER : public UserContextProperties {
  public:
@@ -247,9 +251,13 @@ class CLSFW_PARSER : public UserContextProperties {
   // The rewriter's tests reach the dispatch, the builders and the shared
   // state through this class (tests/parser/rewriter/rewriter_probe.h).
   friend class RewriterProbe;
+  // ElaboraStrSQL, with the recognised tables recorded in the report only
+  // when `record_tables` (the plain call does without them).
+  std::string Rewrite(std::string& n_str_sql, rewriter::ScanReport& report, bool record_tables);
   // One rewrite, segment by segment; `result` holds what the caller gets if
   // a run-time error ends the scan.
-  void RewriteSegments(std::string& statement, std::string& result, rewriter::ScanReport& report);
+  void RewriteSegments(rewriter::StatementText& statement, std::string& result,
+                       rewriter::ScanReport& report, bool record_tables);
   // The condition for one recognised table: " WHERE " (where_pos 0) or
   // " AND " + the table's text, "" when the table gives none. Reports with
   // the tag "FiltriStrSQL" and then answers "".

@@ -40,7 +40,11 @@ constexpr int64_t kOleEpochFromUnix = -25569;
 double SystemClock::Now() const {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &now);
+#else
   localtime_r(&now, &local);
+#endif
   const double date = OleDateFromYmd(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
   const int seconds = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
   return date + seconds / 86400.0;

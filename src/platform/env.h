@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/message_sink.h"
+#include "platform/object.h"
 
 namespace zarvik {
 
@@ -26,9 +27,14 @@ class SystemClock : public Clock {
 struct Env {
   std::shared_ptr<MessageSink> sink;
   std::shared_ptr<Clock> clock;
+  // When set, the host's data-access library serves every connection: the
+  // component creates "ADODB.Connection" and "ADODB.Command" through it and
+  // takes any object the host hands in as an ADO connection (db::AsConnection).
+  // When null, the component's own engines (src/db) serve it.
+  std::shared_ptr<ObjectFactory> data_access = nullptr;
 };
 
-// Message boxes to stderr, the system clock.
+// Message boxes to stderr, the system clock, the component's own engines.
 Env DefaultEnv();
 
 // Calendar helpers on OLE automation dates (day 0 = 1899-12-30). Months

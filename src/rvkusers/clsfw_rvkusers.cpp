@@ -47,7 +47,7 @@ Variant CLSFW_RVKUSERS::Today() const {
 
 bool CLSFW_RVKUSERS::OpenConnection() {
   if (connection_string_.empty()) return true;
-  auto connection = std::make_shared<db::Connection>();
+  auto connection = db::NewConnection(env_.data_access);
   if (statement_log_) connection->SetStatementLog(statement_log_);
   connection->SetCommandTimeout(100);
   connection->SetConnectionString(connection_string_);
@@ -67,7 +67,8 @@ void CLSFW_RVKUSERS::WriteLoginLog(int16_t id_utente, const std::string& win_use
           " (FW33_ID_FW07, FW33_DATA, FW33_AZIONE, FW33_RISULTATO, FW33_WINUSER, FW33_DATAORA) " +
           " VALUES " + " (" + sql::Number(id_utente) + ", " +
           FormatSqlValue(Today(), sql_value_kind::kDate, false) + ", " + sql::Number(azione) +
-          ", " + sql::Number(risultato) + "," + sql::Quoted(win_user) + ", [dbo].[KVL_GETDATE]()) ",
+          ", " + sql::Number(risultato) + "," + sql::QuotedEscaped(win_user) +
+          ", [dbo].[KVL_GETDATE]()) ",
       db::kCmdText);
 }
 
@@ -127,6 +128,13 @@ void CLSFW_RVKUSERS::LoginRvk(int16_t& risultato, std::string& win_user,
   // every statement below fails and is skipped.
   if (!connection_) ResumeNext([&] { OpenConnection(); });
   name = utente.value_or("");
+  // The login name is typed by a person not yet authenticated and goes into
+  // the lookup as it stands: a name that would end the literal is no login
+  // name and is never sent. The call answers as for an unknown login.
+  if (!sql::FitsInQuotes(name)) {
+    status_ = NoRevoke;
+    return;
+  }
   ResumeNext([&] { today = Today(); });
 
   // The active user with this login name.

@@ -90,9 +90,12 @@ class CLSFW_RVKUSERS {
   // --- Login log and lock-out -----------------------------------------------
   // Logs one login attempt of the user whose FW07_USERNAME is `utente`
   // (missing: "") and locks the user at the MaxNumTry-th counted failure.
+  // The name is pasted into the lookup as it stands; a name holding a quote
+  // or a NUL character sends nothing and is treated as an unknown login.
   //   risultato  in: the host's outcome code; out: 2 when the user is
   //              locked already, else unchanged.
-  //   win_user   the operating-system user, written to the log as it stands.
+  //   win_user   the operating-system user, written to the log with its
+  //              quotes doubled (the log stores it as given).
   //   gruppo     accepted and not used.
   // Afterwards IsRevoked tells whether the user is locked (RevokeVantor).
   // Never raises; every failing statement is skipped.
@@ -128,8 +131,8 @@ class CLSFW_RVKUSERS {
   bool OpenConnection();
 
   // INSERT of one login log row dated today, the time from the server's
-  // [dbo].[KVL_GETDATE](). The ids are 16-bit, as the log has always been
-  // written. Raises on failure.
+  // [dbo].[KVL_GETDATE](); win_user is quoted with its quotes doubled. The
+  // ids are 16-bit, as the log has always been written. Raises on failure.
   void WriteLoginLog(int16_t id_utente, const std::string& win_user, int16_t azione,
                      int16_t risultato);
 

@@ -130,5 +130,18 @@ TEST(JsonValues, RecordsetFromItsCurrentPosition) {
   EXPECT_EQ(objects.Size(), 0u);
 }
 
+// The answer writer takes a short cut for plain ASCII strings; every other
+// value must come out exactly as the JSON library writes it.
+TEST(JsonValues, AnswerTextIsTheLibrarysCompactText) {
+  const Json answer = Json::parse(R"({"ok":true,"id":-7,"big":18446744073709551615,"d":-0.5,
+      "e":1e300,"n":null,"s":"a \"q\" \\ \t\u0001 \u00e8 \u20ac end","empty":{},"list":[[],[1,[2]],
+      {"k":"v"}],"plain":"SELECT 1 FROM T WHERE A = 'x'"})");
+  Json raw = answer;
+  raw["bad"] = std::string("\xC3\x28 \xFF tail");  // not UTF-8: replaced as the library does
+  for (const Json& j : {answer, raw}) {
+    EXPECT_EQ(AnswerText(j), j.dump(-1, ' ', false, Json::error_handler_t::replace));
+  }
+}
+
 }  // namespace
 }  // namespace zarvik::automation

@@ -37,20 +37,44 @@ TEST(TypeLibrary, EveryMemberIsBoundAndItsTypesDeclared) {
 TEST(TypeLibrary, IdlText) {
   const std::string idl = TypeLibraryIdl(BuildTypeLibrary());
   for (const char* piece : {
-           "[helpstring(\"Norvello BO Revoke\")]\nlibrary ZARVIK\n{\n",
-           "    typedef enum tsEnumTipologie {\n        tsGenerico = 1,\n",
-           "        RevokeWindows = 2\n    } EnumRevokeStatus;\n",
-           "    coclass CLSFW_PARSER\n    {\n",
-           "[propputref] HRESULT ConnectionADO([in] Connection* value);",
-           "[propput] HRESULT CodiceUtente([in] BSTR value);",
-           "HRESULT IdUser([in] long value);",
-           "HRESULT FlgGrpRevoke([out, retval] short* value);",
+           "import \"oaidl.idl\";\n",
+           "  uuid(a69ddc03-a05b-5c6c-b300-97a93953c194),\n  version(1.0),\n"
+           "  helpstring(\"Norvello BO Revoke\")\n]\nlibrary ZARVIK\n{\n",
+           "    typedef [uuid(30ea6f21-ac6d-5595-83ee-f8148aa3613f)] enum tsEnumTipologie {\n"
+           "        tsGenerico = 1,\n",
+           "    typedef [uuid(5a176ef3-dddd-5f30-ab4c-6f815730d789)] struct tsRvkTipiMov {\n"
+           "        VARIANT_BOOL Cons;\n",
+           "      uuid(d63ef56c-7dad-5c62-92b8-427d567e6001),\n",
+           "    interface _CLSFW_PARSER : IDispatch\n",
+           "      uuid(7fa209a4-2775-5a89-9fa8-5041ba8b3306),\n",
+           "    coclass CLSFW_PARSER\n    {\n        [default] interface _CLSFW_PARSER;\n",
+           "[id(1), propputref] HRESULT ConnectionADO([in] IDispatch* value);",
+           "[id(5), propput] HRESULT CodiceUtente([in] BSTR value);",
+           "[in, optional, defaultvalue(-1)] VARIANT_BOOL AllowNULL, [out, retval] BSTR* result);",
+           "[in, out, optional] BSTR* Gruppo",
+           "[in, out, optional] VARIANT* DataFieldCrystal, "
+           "[in, optional, defaultvalue(0)] tsEnumTipologie Tipologia",
            "HRESULT IsRevoked([out, retval] EnumRevokeStatus* value);",
-           "HRESULT ActiveInterface([out, retval] IDispatch** value);",
        }) {
     EXPECT_NE(idl.find(piece), std::string::npos) << piece;
   }
   EXPECT_EQ(idl.substr(idl.size() - 3), "};\n");
+}
+
+// Property get, let and set of one name share a DISPID; names are numbered
+// in order of first appearance.
+TEST(TypeLibrary, DispIdsAndThunks) {
+  const TypeLibrary library = BuildTypeLibrary();
+  const ClassDescription& parser = *library.FindClass("CLSFW_PARSER");
+  const std::vector<int32_t> ids = MemberDispIds(parser);
+  EXPECT_EQ(std::vector<int32_t>(ids.begin(), ids.begin() + 4), (std::vector<int32_t>{1, 1, 2, 2}));
+  const std::string thunks = TypeLibraryThunks(library, "zarvik_h.h");
+  EXPECT_NE(thunks.find("HRESULT STDMETHODCALLTYPE putref_ConnectionADO(IDispatch* value) override "
+                        "{\n    return Call(1, {{VT_DISPATCH, &value}}, {VT_EMPTY, nullptr});"),
+            std::string::npos);
+  EXPECT_NE(thunks.find("LoginRvk(short* Risultato, BSTR* WinUser, BSTR* Gruppo, BSTR* Utente) "
+                        "override {\n    return Call(7, {{VT_I2 | VT_BYREF, Risultato}"),
+            std::string::npos);
 }
 
 }  // namespace

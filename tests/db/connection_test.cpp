@@ -49,7 +49,7 @@ TEST(ConnectionTest, OpenFailuresAreConnectErrors) {
 
 TEST(ConnectionTest, ScriptsRunWholeAndAnswerTheFirstRows) {
   auto connection = OpenConnection();
-  auto rs = connection->Execute(
+  auto rs = connection->ExecuteScript(
       "CREATE TABLE T (A INTEGER, B TEXT);\n"
       "INSERT INTO T VALUES (1, 'x'); INSERT INTO T VALUES (2, 'y');\n"
       "SELECT B FROM T ORDER BY A;\n"
@@ -92,9 +92,9 @@ TEST(ConnectionTest, ProviderErrorsCarryNumberMessageAndStatement) {
   EXPECT_NE(e.Description().find("SQLite error 1: no such table: NOSUCH"), std::string::npos)
       << e.Description();
   EXPECT_NE(e.Description().find("SELECT * FROM NOSUCH"), std::string::npos) << e.Description();
-  connection->Execute("CREATE TABLE U (A INTEGER PRIMARY KEY); INSERT INTO U VALUES (1)");
+  connection->ExecuteScript("CREATE TABLE U (A INTEGER PRIMARY KEY); INSERT INTO U VALUES (1)");
   e = CaughtError(
-      [&] { connection->Execute("INSERT INTO U VALUES (2); INSERT INTO U VALUES (1)"); });
+      [&] { connection->ExecuteScript("INSERT INTO U VALUES (2); INSERT INTO U VALUES (1)"); });
   EXPECT_EQ(e.Number(), vberr::kProviderError);
   EXPECT_NE(e.Description().find("SQLite error 19: UNIQUE constraint failed"), std::string::npos)
       << e.Description();
@@ -106,7 +106,7 @@ TEST(ConnectionTest, CommandTimeoutBoundsTheWaitForALock) {
   const TempDbFile file("lock");
   const std::string source = "Provider=SQLite;Mode=ReadWriteCreate;Data Source=" + file.path();
   auto holder = OpenConnection(source);
-  holder->Execute("CREATE TABLE T (A INTEGER); BEGIN EXCLUSIVE; INSERT INTO T VALUES (1);");
+  holder->ExecuteScript("CREATE TABLE T (A INTEGER); BEGIN EXCLUSIVE; INSERT INTO T VALUES (1);");
   Connection waiter;
   waiter.SetConnectionString(source);
   waiter.SetCommandTimeout(1);

@@ -35,7 +35,7 @@ inline std::shared_ptr<Connection> OpenConnection(const std::string& connection_
   connection->SetConnectionString(connection_string);
   connection->SetCursorLocation(cursor_location);
   connection->Open();
-  if (!script.empty()) connection->Execute(script);
+  if (!script.empty()) connection->ExecuteScript(script);
   return connection;
 }
 

@@ -71,7 +71,7 @@ TEST(RoutinesTest, FunctionsAreRegisteredWhenAFileDatabaseOpens) {
   OpenConnection(source, kRoutines)->Close();
   auto connection = OpenConnection("Provider=SQLite;Data Source=" + file.path());
   EXPECT_EQ(Scalar(*connection, "SELECT dbo.FNFW_TRASFREVOCATI(1, 5, 'A1', 'B2')").ToLong(), 1);
-  auto rs = connection->Execute(
+  auto rs = connection->ExecuteScript(
       " INSERT INTO TRASF (DITTA, ORIG)  VALUES  (9, [dbo].[KVL_GETDATE]()) ;"
       "SELECT ORIG FROM TRASF WHERE DITTA = 9");
   EXPECT_EQ(rs->Fields("ORIG").ToString(), "2024-03-01 10:20:30");
@@ -85,7 +85,7 @@ TEST(RoutinesTest, FunctionErrorsAreProviderErrorsNamingTheFunction) {
     const char* says;
   };
   for (const Case& c : {Case{"SELECT FN_BROKEN(1)", "no such table: NOSUCH"},
-                        Case{"SELECT FNFW_TRASFREVOCATI(1)", "takes 4 argument(s), called with 1"},
+                        Case{"SELECT FNFW_TRASFREVOCATI(1)", "needs 4 argument(s), called with 1"},
                         Case{"SELECT FN_NOPE(1)", "no such function: FN_NOPE"}}) {
     const VbError e = CaughtError([&] { connection->Execute(c.sql); });
     EXPECT_EQ(e.Number(), vberr::kProviderError) << c.sql;

@@ -114,17 +114,23 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"unknown CONVERT target is left alone", "SELECT CONVERT(UNIQUEIDENTIFIER, X) FROM T",
              "SELECT CONVERT(UNIQUEIDENTIFIER, X) FROM T"}));
 
-TEST(TranslationCacheTest, KeepsEachTextOnceAndStartsAfreshWhenFull) {
-  TsqlTranslationCache cache(2);
+TEST(TranslationCacheTest, KeepsEachTextOnceAndDropsTheLeastRecentlyUsedBeyondItsBytes) {
+  // Entries of 172, 180 and 162 bytes (both texts and the bookkeeping).
   const std::string a = "SELECT TOP 1 A FROM T";
+  const std::string b = "SELECT ISNULL(B, 0) FROM U";
+  const std::string c = "SELECT [C] FROM V";
+  TsqlTranslationCache cache(500);
   EXPECT_EQ(cache.Translate(a), "SELECT A FROM T LIMIT 1");
+  EXPECT_EQ(cache.Translate(b), "SELECT IFNULL(B, 0) FROM U");
   EXPECT_EQ(cache.Translate(a), "SELECT A FROM T LIMIT 1");
-  EXPECT_EQ(cache.size(), 1u);
-  EXPECT_EQ(cache.Translate("SELECT ISNULL(B, 0) FROM U"), "SELECT IFNULL(B, 0) FROM U");
+  EXPECT_EQ(cache.bytes(), 352u);
+  EXPECT_EQ(cache.Translate(c), "SELECT \"C\" FROM V");
   EXPECT_EQ(cache.size(), 2u);
-  EXPECT_EQ(cache.Translate("SELECT [C] FROM V"), "SELECT \"C\" FROM V");
-  EXPECT_EQ(cache.size(), 1u);
-  EXPECT_EQ(cache.Translate(a), "SELECT A FROM T LIMIT 1");
+  EXPECT_EQ(cache.bytes(), 334u);  // a and c: b was used least recently
+  // A text too large for the bound is translated and not kept.
+  EXPECT_EQ(cache.Translate("SELECT '" + std::string(400, 'x') + "'"),
+            "SELECT '" + std::string(400, 'x') + "'");
+  EXPECT_EQ(cache.bytes(), 334u);
 }
 
 }  // namespace

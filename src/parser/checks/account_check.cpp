@@ -6,7 +6,6 @@
 #include "db/backend.h"
 #include "db/command.h"
 #include "parser/clsfw_parser.h"
-#include "platform/vb_error.h"
 
 namespace zarvik {
 namespace {
@@ -28,15 +27,12 @@ void DeclareParameters(db::Command& command) {
 }
 
 // The first parameter by name. The provider describes the procedure when
-// the collection is first used; when it describes nothing the parameters
-// are declared here and the name is looked up again.
+// the collection is first used; only when it describes nothing are the
+// parameters declared here. A name missing from a described collection is
+// error 3265, as ADO raises it: declaring all five next to the described
+// ones would give two parameters of one name.
 db::Parameter& FirstParameter(db::Command& command, const std::string& name) {
-  try {
-    return command.Parameters(name);
-  } catch (const VbError& error) {
-    if (error.Number() != vberr::kAdoItemNotFound) throw;
-  }
-  DeclareParameters(command);
+  if (command.ParameterCount() == 0) DeclareParameters(command);
   return command.Parameters(name);
 }
 

@@ -9,6 +9,7 @@
 #include <random>
 #include <regex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/vb_error.h"
@@ -43,6 +44,8 @@ int16_t FirstJoin(const std::string& text) {
   return static_cast<int16_t>(vb::InStr(1, text, "JOIN", vb::Compare::kText));
 }
 
+StatementText Text(std::string text) { return StatementText(std::move(text)); }
+
 int32_t ErrorNumberOf(const std::function<void()>& body) {
   try {
     body();
@@ -53,9 +56,9 @@ int32_t ErrorNumberOf(const std::function<void()>& body) {
 }
 
 TEST(LastOrderByPos, OnlyTheLastMatchIsConvertedTo16Bits) {
-  EXPECT_EQ(ErrorNumberOf([] { LastOrderByPos(std::string(40000, 'x') + " ORDER BY A"); }),
+  EXPECT_EQ(ErrorNumberOf([] { LastOrderByPos(Text(std::string(40000, 'x') + " ORDER BY A")); }),
             vberr::kOverflow);
-  EXPECT_EQ(LastOrderByPos("A ORDER BY B ORDER BY C " + std::string(40000, 'x')), 14);
+  EXPECT_EQ(LastOrderByPos(Text("A ORDER BY B ORDER BY C " + std::string(40000, 'x'))), 14);
 }
 
 // The hand-written matcher answers what the regular expression answers.
@@ -75,18 +78,18 @@ TEST(LastOrderByPos, AgreesWithTheRegularExpression) {
          m != std::sregex_iterator(); ++m) {
       expected = static_cast<int16_t>(m->position() + 1);
     }
-    ASSERT_EQ(LastOrderByPos(text), expected) << "[" << text << "]";
+    ASSERT_EQ(LastOrderByPos(Text(text)), expected) << "[" << text << "]";
   }
 }
 
 TEST(StatementScanner, NextNonBlankAfterWordSkipsTheWordAtPosThenTheBlanks) {
-  EXPECT_EQ(NextNonBlankAfterWord("SELECT * FROM   T1", 13), "T");
+  EXPECT_EQ(NextNonBlankAfterWord(Text("SELECT * FROM   T1"), 13), "T");
   // The last character of the text is not answered.
-  EXPECT_EQ(NextNonBlankAfterWord("SELECT * FROM   T", 13), "");
-  EXPECT_FALSE(ReadsDerivedTable("SELECT * FROM (", 13));
+  EXPECT_EQ(NextNonBlankAfterWord(Text("SELECT * FROM   T"), 13), "");
+  EXPECT_FALSE(ReadsDerivedTable(Text("SELECT * FROM ("), 13));
   // A blank at pos restarts at position 1 (deliberate): the scan then
   // answers the second character, not the word after the blank.
-  EXPECT_EQ(NextNonBlankAfterWord("AB CD EF", 3), "B");
+  EXPECT_EQ(NextNonBlankAfterWord(Text("AB CD EF"), 3), "B");
 }
 
 TEST(StatementScanner, FindMainFromPassesOverTheFromsOfSelectListSubQueries) {
@@ -106,7 +109,7 @@ TEST(StatementScanner, FindMainFromPassesOverTheFromsOfSelectListSubQueries) {
   };
   for (const auto& c : cases) {
     int16_t from = -1;
-    EXPECT_EQ(FindMainFrom(c.text, from), c.expected) << c.text;
+    EXPECT_EQ(FindMainFrom(Text(c.text), from), c.expected) << c.text;
     if (c.expected == MainFrom::kFound) {
       EXPECT_EQ(from, At(c.text, c.text[0] == 's' ? "from t" : "FROM T")) << c.text;
     }
@@ -137,12 +140,12 @@ TEST(StatementScanner, ReadFromListCollectsThePrefixesOfTheFromList) {
   for (const auto& [tail, expected] : cases) {
     const std::string s = "SELECT * " + tail;
     int16_t from = MOfFrom(s);
-    EXPECT_EQ(ReadFromList(s, from), expected) << s;
+    EXPECT_EQ(ReadFromList(Text(s), from), expected) << s;
   }
   // The FROM position moves past the first prefix.
   const std::string s = "SELECT * FROM  MG36_DOCUMENTI D, CG44_CLIFOR C";
   int16_t from = MOfFrom(s);
-  ReadFromList(s, from);
+  ReadFromList(Text(s), from);
   EXPECT_EQ(from, At(s, "_DOCUMENTI"));
 }
 
@@ -159,8 +162,8 @@ TEST(StatementScanner, MainWherePassesOverTheWhereOfEverySubQueryBeforeIt) {
   };
   for (const auto& c : cases) {
     int16_t from = MOfFrom(c.text);
-    ReadFromList(c.text, from);
-    EXPECT_EQ(MainWherePos(c.text, from, At(c.text, c.first_where)),
+    ReadFromList(Text(c.text), from);
+    EXPECT_EQ(MainWherePos(Text(c.text), from, At(c.text, c.first_where)),
               c.main_where.empty() ? 0 : At(c.text, c.main_where))
         << c.text;
   }
@@ -180,33 +183,35 @@ TEST(StatementScanner, FirstTableAliasIsTheWordAfterTheFirstTableWhenAJoinFollow
   for (const auto& [tail, expected] : cases) {
     const std::string s = "SELECT * " + tail;
     int16_t from = MOfFrom(s);
-    ReadFromList(s, from);
-    EXPECT_EQ(FirstTableAlias(s, from, FirstJoin(s)), expected) << s;
+    ReadFromList(Text(s), from);
+    EXPECT_EQ(FirstTableAlias(Text(s), from, FirstJoin(s)), expected) << s;
   }
 }
 
 TEST(StatementScanner, CutsOrderByGroupByAndWhereKeepingTheCharacterBefore) {
-  std::string s = "SELECT A, COUNT(*) FROM T WHERE B = 1 GROUP BY A ORDER   BY A";
+  const std::string text = "SELECT A, COUNT(*) FROM T WHERE B = 1 GROUP BY A ORDER   BY A";
+  StatementText s = Text(text);
   EXPECT_EQ(CutOrderBy(s), " ORDER   BY A");
   EXPECT_EQ(CutGroupBy(s), " GROUP BY A");
-  EXPECT_EQ(CutWhere(s, At(s, "WHERE")), " WHERE (  B = 1 ) ");
-  EXPECT_EQ(s, "SELECT A, COUNT(*) FROM T ");
+  EXPECT_EQ(CutWhere(s, At(text, "WHERE")), " B = 1");
+  EXPECT_EQ(s.Segment(), "SELECT A, COUNT(*) FROM T ");
   // Nothing to cut: the statement stays as it is.
-  s = "SELECT A FROM T";
-  EXPECT_EQ(CutOrderBy(s) + CutGroupBy(s) + CutWhere(s, 0), "");
-  EXPECT_EQ(s, "SELECT A FROM T");
+  s = Text("SELECT A FROM T");
+  EXPECT_EQ(std::string(CutOrderBy(s)) + std::string(CutGroupBy(s)), "");
+  EXPECT_EQ(CutWhere(s, 0), "");
+  EXPECT_EQ(s.Segment(), "SELECT A FROM T");
   // A GROUP BY followed by " ON " belongs to a joined sub-query and stays.
-  s = "SELECT * FROM T INNER JOIN (SELECT K FROM U GROUP BY K) S ON S.K = T.K";
+  s = Text("SELECT * FROM T INNER JOIN (SELECT K FROM U GROUP BY K) S ON S.K = T.K");
   EXPECT_EQ(CutGroupBy(s), "");
   // Exactly one blank between GROUP and BY; any case.
-  s = "SELECT A FROM T GROUP  BY A";
+  s = Text("SELECT A FROM T GROUP  BY A");
   EXPECT_EQ(CutGroupBy(s), "");
-  s = "select a from t group by a";
+  s = Text("select a from t group by a");
   EXPECT_EQ(CutGroupBy(s), " group by a");
   // A keyword at the first position raises "invalid procedure call".
-  s = "ORDER BY A";
+  s = Text("ORDER BY A");
   EXPECT_EQ(ErrorNumberOf([&] { CutOrderBy(s); }), vberr::kInvalidProcedureCall);
-  s = "GROUP BY A";
+  s = Text("GROUP BY A");
   EXPECT_EQ(ErrorNumberOf([&] { CutGroupBy(s); }), vberr::kInvalidProcedureCall);
 }
 
@@ -262,15 +267,15 @@ TEST(StatementScanner, ReadJoinsCollectsInnerAndRightJoinsWithTheirAliases) {
        {{"MG36", "M."}, {"MG3N", "T."}}},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(ReadJoins(c.text, FirstJoin(c.text), {c.from_table}), c.expected) << c.text;
+    EXPECT_EQ(ReadJoins(Text(c.text), FirstJoin(c.text), {c.from_table}), c.expected) << c.text;
   }
   // A JOIN within the first 15 characters raises "invalid procedure call".
   const std::string s = "SELECT*FROM A JOIN B ON 1 = 1";
   ASSERT_EQ(vb::InStr(1, s, "JOIN"), 15);
-  EXPECT_EQ(ErrorNumberOf([&] { ReadJoins(s, FirstJoin(s), {"A"}); }),
+  EXPECT_EQ(ErrorNumberOf([&] { ReadJoins(Text(s), FirstJoin(s), {"A"}); }),
             vberr::kInvalidProcedureCall);
   const std::string t = "SELECT* FROM A JOIN B ON 1 = 1";
-  EXPECT_EQ(ErrorNumberOf([&] { ReadJoins(t, FirstJoin(t), {"A"}); }), 0);
+  EXPECT_EQ(ErrorNumberOf([&] { ReadJoins(Text(t), FirstJoin(t), {"A"}); }), 0);
 }
 
 }  // namespace

@@ -1,0 +1,127 @@
+#include "parser/rewriter/statement_text.h"
+
+#include <cstring>
+#include <utility>
+
+#include "parser/rewriter/keyword_search.h"
+#include "platform/vb_error.h"
+
+namespace zarvik::rewriter {
+namespace {
+
+constexpr size_t kNone = std::string_view::npos;
+
+// The text with its ASCII letters in upper case; eight bytes at a time:
+// every byte from 'a' to 'z' loses the bit 0x20.
+std::string UpperAscii(const std::string& text) {
+  constexpr uint64_t kOnes = 0x0101010101010101ULL;
+  constexpr uint64_t kHigh = 0x8080808080808080ULL;
+  std::string upper(text);
+  char* p = upper.data();
+  const size_t n = upper.size();
+  size_t i = 0;
+  for (; i + 8 <= n; i += 8) {
+    uint64_t block;
+    std::memcpy(&block, p + i, 8);
+    const uint64_t low7 = block & ~kHigh;
+    // High bit of each byte: its low seven bits are >= 'a', > 'z', and the
+    // byte itself is ASCII.
+    const uint64_t from_a = low7 + kOnes * (0x80 - 'a');
+    const uint64_t past_z = low7 + kOnes * (0x80 - 'z' - 1);
+    const uint64_t lower = from_a & ~past_z & ~block & kHigh;
+    block ^= lower >> 2;
+    std::memcpy(p + i, &block, 8);
+  }
+  for (; i < n; ++i) p[i] = AsciiUpper(p[i]);
+  return upper;
+}
+
+}  // namespace
+
+int16_t Pos16(int32_t value) {
+  if (value < -32768 || value > 32767) throw VbError(vberr::kOverflow);
+  return static_cast<int16_t>(value);
+}
+
+StatementText::StatementText(std::string&& text)
+    : upper_(UpperAscii(text)), text_(std::move(text)), end_(text_.size()) {}
+
+std::string_view StatementText::Segment() const {
+  return std::string_view(text_).substr(begin_, end_ - begin_);
+}
+
+std::string StatementText::TakeSegment() && {
+  text_.erase(end_);
+  text_.erase(0, begin_);
+  return std::move(text_);
+}
+
+void StatementText::InvalidProcedureCall() { throw VbError(vberr::kInvalidProcedureCall); }
+
+std::string_view StatementText::Mid(int32_t start) const {
+  const size_t at = OffsetOf(start);
+  return at < end_ - begin_ ? Segment().substr(at) : std::string_view();
+}
+
+std::string_view StatementText::Mid(int32_t start, int32_t length) const {
+  const size_t at = OffsetOf(start);
+  if (length < 0) InvalidProcedureCall();
+  return at < end_ - begin_ ? Segment().substr(at, static_cast<size_t>(length))
+                            : std::string_view();
+}
+
+int32_t StatementText::FindText(int32_t start, std::string_view keyword) const {
+  const size_t from = OffsetOf(start);
+  if (from > end_ - begin_) return 0;
+  if (keyword.empty()) return start;
+  const size_t at = FindUpper(begin_ + from, keyword);
+  return at == kNone ? 0 : static_cast<int32_t>(at - begin_ + 1);
+}
+
+int16_t StatementText::Find(int32_t start, std::string_view keyword) const {
+  return Pos16(FindText(start, keyword));
+}
+
+int32_t StatementText::FindBinary(int32_t start, std::string_view what) const {
+  const size_t from = OffsetOf(start);
+  if (from > end_ - begin_) return 0;
+  const size_t at = Segment().find(what, from);
+  return at == kNone ? 0 : static_cast<int32_t>(at + 1);
+}
+
+size_t StatementText::FindUpper(size_t from, std::string_view keyword) const {
+  // A search from inside the stretch an earlier search of the keyword read
+  // has its answer already. The window only shrinks within a segment, so a
+  // match that no longer fits means there is none.
+  Memo* slot = nullptr;
+  for (size_t i = 0; i < memo_used_; ++i) {
+    Memo& m = memo_[i];
+    // Most keywords differ in length or first letter: no byte compare.
+    if (m.keyword.size() != keyword.size() || m.keyword[0] != keyword[0] || m.keyword != keyword) {
+      continue;
+    }
+    if (m.from <= from && (m.found == kNone || from <= m.found)) {
+      return m.found != kNone && m.found + keyword.size() <= end_ ? m.found : kNone;
+    }
+    slot = &m;
+    break;
+  }
+  const size_t found = FindKeyword(std::string_view(upper_.data(), end_), from, keyword);
+  if (slot == nullptr) slot = &memo_[memo_used_ < memo_.size() ? memo_used_++ : 0];
+  *slot = Memo{keyword, from, found};
+  return found;
+}
+
+void StatementText::Keep(int32_t length) {
+  if (length < 0) InvalidProcedureCall();
+  if (static_cast<size_t>(length) < end_ - begin_) end_ = begin_ + static_cast<size_t>(length);
+}
+
+void StatementText::StartSegmentAt(int32_t pos) {
+  begin_ += OffsetOf(pos);
+  end_ = text_.size();
+  if (begin_ > end_) begin_ = end_;
+  memo_used_ = 0;  // the window grows again: what was not found may be there now
+}
+
+}  // namespace zarvik::rewriter

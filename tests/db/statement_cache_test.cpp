@@ -1,0 +1,108 @@
+// The prepared statements an embedded connection keeps: reused reset and
+// unbound, only for texts of one statement, dropped on a schema change, and
+// bounded by bytes; through a connection, the answers stay those of a fresh
+// preparation.
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <memory>
+#include <string>
+
+#include "db/sqlite_statement_cache.h"
+#include "db_test_support.h"
+
+namespace zarvik::db {
+namespace {
+
+struct DbCloser {
+  void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
+};
+
+class StatementCacheTest : public ::testing::Test {
+ protected:
+  static constexpr size_t kBound = 300 * 1024;
+
+  StatementCacheTest() {
+    sqlite3* raw = nullptr;
+    sqlite3_open(":memory:", &raw);
+    db_.reset(raw);
+    sqlite3_exec(raw, "CREATE TABLE T (X); INSERT INTO T VALUES (1), (2)", nullptr, nullptr,
+                 nullptr);
+    cache_ = std::make_unique<SqliteStatementCache>(raw, kBound);
+  }
+  SqliteStatementCache::Lease Prepare(const std::string& text, size_t offset = 0) {
+    int rc = SQLITE_OK;
+    SqliteStatementCache::Lease lease = cache_->Prepare(text, offset, rc);
+    EXPECT_EQ(rc, SQLITE_OK) << text;
+    return lease;
+  }
+
+  std::unique_ptr<sqlite3, DbCloser> db_;
+  std::unique_ptr<SqliteStatementCache> cache_;
+};
+
+TEST(HoldsNoStatement, OnlyBlanksSemicolonsAndComments) {
+  for (const char* tail : {"", " ;\n\t; ", "-- note", "-- a\n;/* b */ ", "/* open"}) {
+    EXPECT_TRUE(HoldsNoStatement(tail)) << tail;
+  }
+  for (const char* tail : {"; SELECT 1", "-- a\nX", "/* b */ X", "- 1"}) {
+    EXPECT_FALSE(HoldsNoStatement(tail)) << tail;
+  }
+}
+
+TEST_F(StatementCacheTest, AKeptStatementComesBackResetAndUnbound) {
+  const std::string text = "SELECT X FROM T WHERE X >= ?1 ORDER BY X; -- the first rows";
+  sqlite3_stmt* first = nullptr;
+  {
+    const auto lease = Prepare(text);
+    first = lease.get();
+    EXPECT_EQ(lease.tail(), text.size());
+    sqlite3_bind_int(first, 1, 2);
+    ASSERT_EQ(sqlite3_step(first), SQLITE_ROW);  // left in the middle of its rows
+  }
+  EXPECT_EQ(cache_->Size(), 1u);
+  const auto again = Prepare(text);
+  EXPECT_EQ(again.get(), first);
+  EXPECT_EQ(cache_->Size(), 0u);                      // lent out
+  EXPECT_EQ(sqlite3_step(again.get()), SQLITE_DONE);  // NULL bound: no row
+}
+
+TEST_F(StatementCacheTest, ScriptsAndSchemaChangesAreNotKept) {
+  const std::string script = "SELECT 1; SELECT 2";
+  const auto first = Prepare(script);
+  EXPECT_EQ(script.substr(first.tail()), " SELECT 2");
+  EXPECT_NE(Prepare(script, first.tail()).get(), nullptr);
+  Prepare("SELECT X FROM T");
+  EXPECT_EQ(cache_->Size(), 1u);  // the script's statements were finalised
+  {
+    const auto create = Prepare("CREATE TABLE U (Y)");
+    EXPECT_EQ(sqlite3_step(create.get()), SQLITE_DONE);
+  }
+  EXPECT_EQ(cache_->Size(), 0u);
+}
+
+TEST_F(StatementCacheTest, TheLeastRecentlyUsedGoFirstBeyondTheBound) {
+  // About 84 KB each (the text, and in the statement its copy, the literal
+  // and the column name):
+  // three fit in the bound.
+  const std::string pad(20 * 1024, 'x');
+  auto text = [&](int i) { return "SELECT '" + pad + "', " + std::to_string(i); };
+  for (int i : {0, 1, 2, 0, 3}) Prepare(text(i));  // 1 is then the least recently used
+  EXPECT_EQ(cache_->Size(), 3u);
+  EXPECT_LE(cache_->Bytes(), kBound);
+  const auto kept = {Prepare(text(0)), Prepare(text(2)), Prepare(text(3))};
+  EXPECT_EQ(cache_->Size(), 0u);  // all three were there to lend
+}
+
+TEST(StatementCacheConnection, AnswersFollowTheSchemaAndItsErrors) {
+  const auto db = OpenConnection(kMemory, "CREATE TABLE T (X); INSERT INTO T VALUES (1)");
+  EXPECT_EQ(db->Execute("SELECT * FROM T")->FieldCount(), 1);
+  db->Execute("DROP TABLE T");
+  EXPECT_EQ(CaughtError([&] { db->Execute("SELECT * FROM T"); }).Description(),
+            "SQLite error 1: no such table: T in statement: SELECT * FROM T");
+  db->Execute("CREATE TABLE T (X, Y)");
+  EXPECT_EQ(db->Execute("SELECT * FROM T")->FieldCount(), 2);
+}
+
+}  // namespace
+}  // namespace zarvik::db
