@@ -1,6 +1,4 @@
-// Access to the private parts of CLSFW_PARSER that the parser tests reach:
-// the table dispatch, the list builders, the scanner's shared state and the
-// agent rule (the class is a friend of CLSFW_PARSER).
+// The private parts of CLSFW_PARSER the parser tests reach (a friend class).
 #ifndef ZARVIK_TESTS_PARSER_REWRITER_REWRITER_PROBE_H_
 #define ZARVIK_TESTS_PARSER_REWRITER_REWRITER_PROBE_H_
 
