@@ -1,7 +1,5 @@
-// Set-up shared by the parser tests: a CLSFW_PARSER on its own in-memory
-// demo database, with the statements it sends logged and its message boxes
-// recorded, and the revocation sub-queries of ROSSI (id 5) that several
-// statements embed.
+// A CLSFW_PARSER on its own in-memory demo database, statements logged and
+// boxes recorded; ROSSI's (id 5) sub-queries that several statements embed.
 #ifndef ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
 #define ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
 
@@ -23,12 +21,10 @@
 
 namespace zarvik::testing {
 
-// A user code that FW07_APPUSER does not know: the lookup finds nothing and
-// keeps the id the test set, so that texts can be pinned with any id.
+// A code FW07_APPUSER does not know: the lookup keeps the id the test set.
 inline constexpr const char* kUnknownUser = "ORDINARIO";
 
-// Sets both user codes (each method compares one or the other with
-// "ZentAd"); the group is the demo user's, or VEN for other codes.
+// Both user codes; the group is the demo user's, or VEN for other codes.
 inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string& group = "") {
   const demo::DemoUser* user = demo::FindDemoUser(code);
   p.SetCodiceGruppo(!group.empty() ? group : user != nullptr ? user->group : "VEN");
@@ -91,8 +87,7 @@ struct ParserSession {
     return parser.ElaboraStrSQL(buffer);
   }
   void Run(const std::string& sql) { db->Execute(sql, db::kCmdText); }
-  // Adds rows to FW31_RVKPARAMETRI; each value list starts with FW31_CODICE,
-  // FW31_ID_FW07, FW31_INDTIPO, FW31_DITTARAGG, FW31_CODTIPO.
+  // Rows of FW31_RVKPARAMETRI: CODICE, ID_FW07, INDTIPO, DITTARAGG, CODTIPO, ...
   void AddParameterRows(const std::string& columns_after_code, const std::string& values) {
     Run("INSERT INTO FW31_RVKPARAMETRI (FW31_CODICE, FW31_ID_FW07, FW31_INDTIPO, "
         "FW31_DITTARAGG, FW31_CODTIPO" +
