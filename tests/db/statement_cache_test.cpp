@@ -1,12 +1,11 @@
-// The prepared statements an embedded connection keeps: reused reset and
-// unbound, only for texts of one statement, dropped on a schema change, and
-// bounded by bytes; through a connection, the answers stay those of a fresh
-// preparation.
+// The prepared statements an embedded connection keeps.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "db/sqlite_statement_cache.h"
 #include "db_test_support.h"
@@ -32,7 +31,7 @@ class StatementCacheTest : public ::testing::Test {
   }
   SqliteStatementCache::Lease Prepare(const std::string& text, size_t offset = 0) {
     int rc = SQLITE_OK;
-    SqliteStatementCache::Lease lease = cache_->Prepare(text, offset, rc);
+    auto lease = cache_->Prepare(text, offset, rc);
     EXPECT_EQ(rc, SQLITE_OK) << text;
     return lease;
   }
@@ -42,11 +41,17 @@ class StatementCacheTest : public ::testing::Test {
 };
 
 TEST(HoldsNoStatement, OnlyBlanksSemicolonsAndComments) {
-  for (const char* tail : {"", " ;\n\t; ", "-- note", "-- a\n;/* b */ ", "/* open"}) {
-    EXPECT_TRUE(HoldsNoStatement(tail)) << tail;
-  }
-  for (const char* tail : {"; SELECT 1", "-- a\nX", "/* b */ X", "- 1"}) {
-    EXPECT_FALSE(HoldsNoStatement(tail)) << tail;
+  for (const auto& [tail, none] :
+       std::vector<std::pair<const char*, bool>>{{"", true},
+                                                 {" ;\n\t; ", true},
+                                                 {"-- note", true},
+                                                 {"-- a\n;/* b */ ", true},
+                                                 {"/* open", true},
+                                                 {"; SELECT 1", false},
+                                                 {"-- a\nX", false},
+                                                 {"/* b */ X", false},
+                                                 {"- 1", false}}) {
+    EXPECT_EQ(HoldsNoStatement(tail), none) << tail;
   }
 }
 
@@ -82,9 +87,7 @@ TEST_F(StatementCacheTest, ScriptsAndSchemaChangesAreNotKept) {
 }
 
 TEST_F(StatementCacheTest, TheLeastRecentlyUsedGoFirstBeyondTheBound) {
-  // About 84 KB each (the text, and in the statement its copy, the literal
-  // and the column name):
-  // three fit in the bound.
+  // About 84 KB each (the text, its copy, the literal, the column name): three fit.
   const std::string pad(20 * 1024, 'x');
   auto text = [&](int i) { return "SELECT '" + pad + "', " + std::to_string(i); };
   for (int i : {0, 1, 2, 0, 3}) Prepare(text(i));  // 1 is then the least recently used
