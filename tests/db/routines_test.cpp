@@ -167,6 +167,7 @@ TEST(RoutinesTest, CommandErrors) {
   EXPECT_EQ(ErrorOf([&] { unbound.Execute(); }), vberr::kAdoConnectionUnusable);
   Command closed = StoredProc(kAccounts, std::make_shared<Connection>());
   EXPECT_EQ(ErrorOf([&] { closed.Parameters("@IdUtente"); }), vberr::kAdoConnectionUnusable);
+  EXPECT_EQ(ErrorOf([&] { closed.Execute(); }), vberr::kAdoConnectionUnusable);
 
   auto connection = OpenWithRoutines();
   EXPECT_EQ(ErrorOf([&] { StoredProc(kAccounts, connection).Parameters("@Nope"); }),

@@ -4,8 +4,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "db/sqlite_statement_cache.h"
 #include "db_test_support.h"
@@ -41,17 +39,11 @@ class StatementCacheTest : public ::testing::Test {
 };
 
 TEST(HoldsNoStatement, OnlyBlanksSemicolonsAndComments) {
-  for (const auto& [tail, none] :
-       std::vector<std::pair<const char*, bool>>{{"", true},
-                                                 {" ;\n\t; ", true},
-                                                 {"-- note", true},
-                                                 {"-- a\n;/* b */ ", true},
-                                                 {"/* open", true},
-                                                 {"; SELECT 1", false},
-                                                 {"-- a\nX", false},
-                                                 {"/* b */ X", false},
-                                                 {"- 1", false}}) {
-    EXPECT_EQ(HoldsNoStatement(tail), none) << tail;
+  for (const char* tail : {"", " ;\n\t; ", "-- note", "-- a\n;/* b */ ", "/* open"}) {
+    EXPECT_TRUE(HoldsNoStatement(tail)) << tail;
+  }
+  for (const char* tail : {"; SELECT 1", "-- a\nX", "/* b */ X", "- 1"}) {
+    EXPECT_FALSE(HoldsNoStatement(tail)) << tail;
   }
 }
 
