@@ -48,10 +48,8 @@ inline Command StoredProc(const std::string& name, std::shared_ptr<Connection> c
   return command;
 }
 
-// Registers the SQLite ODBC driver as kOdbcDriver in an odbcinst.ini of the
-// tests' own (ODBCSYSINI), so that they need no system-wide registration;
-// answers whether the driver manager then knows the driver. Call it before
-// any other ODBC call of the process.
+// Registers kOdbcDriver in an odbcinst.ini of the tests' own (ODBCSYSINI) and
+// answers whether the driver manager knows it; call before any other ODBC call.
 inline bool OdbcDriverInstalled() {
 #ifdef ZARVIK_SQLITE_ODBC_DRIVER
   const std::string dir = ::testing::TempDir() + "zarvik_odbcinst_" + std::to_string(getpid());

@@ -1,7 +1,4 @@
-// The prepared statements an embedded connection keeps: reused reset and
-// unbound, only for texts of one statement, dropped on a schema change, and
-// bounded by bytes; through a connection, the answers stay those of a fresh
-// preparation.
+// The prepared statements an embedded connection keeps.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -32,7 +29,7 @@ class StatementCacheTest : public ::testing::Test {
   }
   SqliteStatementCache::Lease Prepare(const std::string& text, size_t offset = 0) {
     int rc = SQLITE_OK;
-    SqliteStatementCache::Lease lease = cache_->Prepare(text, offset, rc);
+    auto lease = cache_->Prepare(text, offset, rc);
     EXPECT_EQ(rc, SQLITE_OK) << text;
     return lease;
   }
@@ -82,9 +79,7 @@ TEST_F(StatementCacheTest, ScriptsAndSchemaChangesAreNotKept) {
 }
 
 TEST_F(StatementCacheTest, TheLeastRecentlyUsedGoFirstBeyondTheBound) {
-  // About 84 KB each (the text, and in the statement its copy, the literal
-  // and the column name):
-  // three fit in the bound.
+  // About 84 KB each (the text, its copy, the literal, the column name): three fit.
   const std::string pad(20 * 1024, 'x');
   auto text = [&](int i) { return "SELECT '" + pad + "', " + std::to_string(i); };
   for (int i : {0, 1, 2, 0, 3}) Prepare(text(i));  // 1 is then the least recently used

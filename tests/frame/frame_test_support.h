@@ -1,5 +1,4 @@
-// Shared set-up of the frame tests: a recording Env and a demo database on
-// disk (so that a frame can open it from a connection string).
+// A recording Env and a demo database on disk, shared by the frame tests.
 #ifndef ZARVIK_TESTS_FRAME_FRAME_TEST_SUPPORT_H_
 #define ZARVIK_TESTS_FRAME_FRAME_TEST_SUPPORT_H_
 

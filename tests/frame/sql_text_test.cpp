@@ -1,5 +1,3 @@
-// Values in statement texts: the plain form keeps quotes as they are, the
-// escaped form doubles them, the unquoted form is the value's text.
 #include "frame/sql_text.h"
 
 #include <gtest/gtest.h>

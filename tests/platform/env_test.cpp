@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <ctime>
 #include <sstream>
 #include <vector>
@@ -19,22 +18,18 @@ namespace {
 using test::ErrorOf;
 
 TEST(OleDateTest, CalendarTable) {
-  struct Case {
-    int year, month, day;
-    double oa;
-  };
-  const std::vector<Case> cases = {
-      {1899, 12, 30, 0},   {1899, 12, 29, -1},      {1900, 3, 1, 61},    {2000, 2, 29, 36585},
-      {2000, 3, 1, 36586}, {9999, 12, 31, 2958465}, {100, 1, 1, -657434}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.oa);
-    EXPECT_EQ(OleDateFromYmd(c.year, c.month, c.day), c.oa);
-    int y = 0, m = 0, d = 0;
-    YmdFromOleDate(c.oa, &y, &m, &d);
-    EXPECT_EQ(std::vector<int>({y, m, d}), std::vector<int>({c.year, c.month, c.day}));
+  const std::vector<std::pair<std::vector<int>, double>> cases = {
+      {{1899, 12, 30}, 0},    {{1899, 12, 29}, -1},  {{1900, 3, 1}, 61},
+      {{2000, 2, 29}, 36585}, {{2000, 3, 1}, 36586}, {{9999, 12, 31}, 2958465},
+      {{100, 1, 1}, -657434}};
+  for (const auto& [ymd, oa] : cases) {
+    EXPECT_EQ(OleDateFromYmd(ymd[0], ymd[1], ymd[2]), oa);
     // The time of day does not move the date, on either side of day 0.
-    YmdFromOleDate(c.oa < 0 ? c.oa - 0.99 : c.oa + 0.99, &y, &m, &d);
-    EXPECT_EQ(d, c.day);
+    for (const double time : {0.0, 0.99}) {
+      int y = 0, m = 0, d = 0;
+      YmdFromOleDate(oa < 0 ? oa - time : oa + time, &y, &m, &d);
+      EXPECT_EQ(std::vector<int>({y, m, d}), ymd) << oa + time;
+    }
   }
   // Months and days out of range roll over as in DateSerial.
   EXPECT_EQ(OleDateFromYmd(2023, 13, 1), OleDateFromYmd(2024, 1, 1));
@@ -46,18 +41,10 @@ TEST(SystemClockTest, NowIsTodayInLocalTime) {
   const std::time_t t = std::time(nullptr);
   std::tm local{};
   localtime_r(&t, &local);
-  const double now = DefaultEnv().clock->Now();
-  int y = 0, m = 0, d = 0;
-  YmdFromOleDate(now, &y, &m, &d);
-  const double fraction = now - std::floor(now);
-  const double expected = (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
-  // Tolerate the clock ticking over between the two readings.
-  if (std::fabs(fraction - expected) < 5.0 / 86400.0) {
-    EXPECT_EQ(std::vector<int>({y, m, d}),
-              std::vector<int>({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday}));
-  } else {
-    EXPECT_GT(std::fabs(fraction - expected), 0.99);  // crossed midnight
-  }
+  const double expected = OleDateFromYmd(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday) +
+                          (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
+  // A few seconds' tolerance: the clock ticks between the two readings.
+  EXPECT_NEAR(DefaultEnv().clock->Now(), expected, 5.0 / 86400.0);
   // Each call gives its own sink: nothing is shared between objects.
   EXPECT_NE(DefaultMessageSink(), DefaultMessageSink());
 }
@@ -73,11 +60,7 @@ TEST(MessageSinkTest, StreamWritesOneBlockPerBox) {
 }
 
 TEST(VbErrorTest, NumbersCarryVbTexts) {
-  struct Case {
-    int32_t number;
-    const char* text;
-  };
-  const std::vector<Case> cases = {
+  const std::vector<std::pair<int32_t, const char*>> cases = {
       {5, "Invalid procedure call or argument"},
       {6, "Overflow"},
       {9, "Subscript out of range"},
@@ -101,11 +84,9 @@ TEST(VbErrorTest, NumbersCarryVbTexts) {
        "one another."},
       {12345, ""},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.number);
-    const VbError e(c.number);
-    EXPECT_EQ(e.Description(), c.text);
-    EXPECT_STREQ(e.what(), c.text);
+  for (const auto& [number, text] : cases) {
+    EXPECT_EQ(VbError(number).Description(), text);
+    EXPECT_STREQ(VbError(number).what(), text);
   }
   const VbError own(vberr::kProviderError, "Incorrect syntax near 'FROM'.");
   EXPECT_EQ(own.Number(), -2147217900);

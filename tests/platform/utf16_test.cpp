@@ -1,5 +1,4 @@
-// Text across the automation boundary: UTF-8 inside, UTF-16 outside, and
-// both directions lossless.
+// UTF-8 inside, UTF-16 outside, both directions lossless.
 #include "platform/utf16.h"
 
 #include <gtest/gtest.h>
