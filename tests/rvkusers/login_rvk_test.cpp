@@ -1,7 +1,5 @@
 // LoginRvk on the demo database: what is logged, what is counted, when a
-// user is locked, that nothing ever escapes the method, and the class's own
-// connection (opened from ConnectionStringADO, closed only when it is its
-// own).
+// user is locked, hostile names, and the class's own connection.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -158,7 +156,10 @@ TEST(LoginRvk, NothingIsWrittenForAnUnknownLoginOutcome3OrAnIdAbove32767) {
   // No such login, NERI is inactive, the name omitted ("").
   for (const auto& login : {std::optional<std::string>("nobody"),
                             std::optional<std::string>("cneri"), std::optional<std::string>()}) {
-    ASSERT_EQ(t.Login("cgallo", 3).status, RevokeVantor);  // a status to overwrite
+    // GALLO is locked: even outcome 3 is logged (as 2), and not counted.
+    const LoginResult gallo = t.Login("cgallo", 3);
+    ASSERT_EQ(gallo.risultato * 10 + gallo.status, 20 + RevokeVantor);
+    EXPECT_EQ(gallo.sent.size(), 2u);
     const std::string rows = t.LogRows();
     const LoginResult r = t.Login(login, 1);
     EXPECT_EQ(r.risultato * 10 + r.status, 10 + NoRevoke) << login.value_or("<omitted>");
@@ -180,18 +181,27 @@ TEST(LoginRvk, NothingIsWrittenForAnUnknownLoginOutcome3OrAnIdAbove32767) {
   EXPECT_EQ(t.Locked(uid::kEsterno) + fresh.Locked(uid::kBruno), "00");
 }
 
-TEST(LoginRvk, AlreadyRevokedUserIsLoggedWithOutcome2AndNotCounted) {
-  // GALLO is locked in the demo data. The lookup turns the outcome into 2
-  // before the outcome-3 test, so even 3 is logged (as 2).
+TEST(LoginRvk, ANameThatWouldEndTheLiteralIsNeverSentAndTheWinUserIsEscaped) {
   RvkUsersOnDemo t(1);
-  t.At({11, 0, 0, 6});
-  const LoginResult r = t.Login("cgallo", 3, "PC-GALLO");
-  EXPECT_EQ(r.risultato * 10 + r.status, 20 + RevokeVantor);
-  EXPECT_EQ(r.sent.size(), 2u);  // lookup and insert, no count
-  EXPECT_EQ(t.Rows("SELECT FW33_DATA || '|' || FW33_AZIONE || '|' || FW33_RISULTATO || '|' || "
-                   "FW33_WINUSER || '|' || FW33_DATAORA FROM FW33_RVKUSER WHERE FW33_ID_FW07 = 11 "
-                   "AND FW33_DATA = '20240306'"),
-            "20240306|0|2|PC-GALLO|2024-03-06 11:00:00.000");  // the server's clock
+  for (const std::string& name : {std::string("' OR '1'='1"), std::string("lbruno'--"),
+                                  std::string("lbruno\0' OR 1 = 1 --", 20)}) {
+    ASSERT_EQ(t.Login("cgallo", 3).status, RevokeVantor);  // a status to overwrite
+    const LoginResult r = t.Login(name, 1);
+    EXPECT_EQ(r.sent, Strings{}) << name;
+    EXPECT_EQ(r.risultato * 10 + r.status, 10 + NoRevoke) << name;
+  }
+  EXPECT_EQ(t.Login("x; DELETE FROM FW07_APPUSER --", 1).sent,
+            Strings{"SELECT FW07_ID, FW07_FLGREVOKE FROM FW07_APPUSER  WHERE FW07_USERNAME = "
+                    "'x; DELETE FROM FW07_APPUSER --' AND FW07_FLGATTIVO = 1"});
+  const std::string win_user = "PC'; DELETE FROM FW07_APPUSER; --";
+  EXPECT_NE(t.Login("lbruno", 0, win_user)
+                .One(" INSERT INTO FW33_RVKUSER ")
+                .find(",'PC''; DELETE FROM FW07_APPUSER; --', [dbo].[KVL_GETDATE]()) "),
+            std::string::npos);
+  EXPECT_EQ(t.Rows("SELECT FW33_WINUSER FROM FW33_RVKUSER WHERE rowid = (SELECT MAX(rowid) FROM "
+                   "FW33_RVKUSER)"),
+            win_user);
+  EXPECT_EQ(t.Rows("SELECT COUNT(*) FROM FW07_APPUSER"), "9");
 }
 
 TEST(LoginRvk, PrivilegedLoginIsLoggedButNeverCounted) {
