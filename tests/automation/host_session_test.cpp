@@ -201,10 +201,7 @@ TEST_F(HostSessionTest, NewThenPutAndGetConvertToTheDeclaredTypes) {
   EXPECT_EQ(Get(filter, "ConnectionADO")["value"], Json({{"$", "nothing"}}));
   Put(filter, "ConnectionADO", Ref(connection));
   EXPECT_EQ(Get(filter, "ConnectionADO")["value"], Ref(connection));
-  const int64_t users = New("CLSFW_RVKUSERS");
-  Put(users, "MaxNumTry", 3);
-  EXPECT_EQ(Get(users, "MaxNumTry")["value"], 3);
-  EXPECT_EQ(Get(users, "IsRevoked")["value"], 0);
+  EXPECT_EQ(Get(New("CLSFW_RVKUSERS"), "IsRevoked")["value"], 0);  // an enum is a number
 }
 
 TEST_F(HostSessionTest, StatementsAndRecordsetsOfAConnection) {
@@ -251,9 +248,6 @@ TEST_F(HostSessionTest, RequestsTheBoundaryCannotServe) {
       {R"({"op":"drop","id":99})", 424},
       {R"({"op":"get","id":1,"name":"NoSuchMember"})", 438},
       {R"({"op":"put","id":1,"name":"ActiveInterface","value":"x"})", 438},
-      {R"({"op":"put","id":1,"name":"RevokeDisabilitata","value":"maybe"})", 13},
-      {R"({"op":"put","id":1,"name":"CodiceUtente","value":null})", 13},
-      {R"({"op":"put","id":1,"name":"ConnectionADO","value":{"$":"object","id":1}})", 13},
       {R"({"op":"put","id":1,"name":"CodiceUtente","value":{"$":"bogus"}})", 13},
       {R"({"op":"call","id":1,"name":"CodiceUtente","args":[1]})", 450},
       {R"({"op":"call","id":1,"name":"CodiceUtente","args":{}})", 0},
@@ -274,10 +268,9 @@ TEST_F(HostSessionTest, RequestsTheBoundaryCannotServe) {
   EXPECT_EQ(Get(parser, "CodiceUtente")["value"], "");
 }
 
-// What a careless or hostile host cannot do: kill the session with one
-// deeply nested line, leak objects that refer to each other, or stall it
-// with an object of many members.
-// A HostObject request whose line nests `depth` JSON levels in all (the
+// A careless or hostile host cannot kill the session with one deeply nested
+// line, leak objects that refer to each other, or stall it with an object of
+// many members. A HostObject request whose line nests `depth` JSON levels in all (the
 // request object is the first).
 std::string NestedMembers(size_t depth) {
   std::string line = R"({"op":"new","class":"HostObject","members":)";
