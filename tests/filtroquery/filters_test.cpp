@@ -25,21 +25,17 @@ const char kRevokeRows[] =
     "FW32_CODMACRO, FW32_CODMIDDLE, FW32_CODRAGG, FW32_FLGABILITATO) VALUES ";
 
 TEST(AreaLists, FilterOfEachLevelAndTheStatementAsSent) {
+  // Each after " AND FW32_TIPORAGG = ".
   const std::vector<std::pair<AreaList, std::string>> cases = {
-      {AreaList::kMacroArea,
-       " AND FW32_TIPORAGG = 'AREA'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
-      {AreaList::kMiddleArea,
-       " AND FW32_TIPORAGG = 'AREA'  AND FW32_CODMIDDLE <> '' AND FW32_CODRAGG = ''"},
-      {AreaList::kArea, " AND FW32_TIPORAGG = 'AREA'  AND FW32_CODRAGG <> ''"},
-      {AreaList::kGrouping1,
-       " AND FW32_TIPORAGG = 'RAGG1'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
-      {AreaList::kGrouping2,
-       " AND FW32_TIPORAGG = 'RAGG2'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
-      {AreaList::kGrouping3,
-       " AND FW32_TIPORAGG = 'RAGG3'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
+      {AreaList::kMacroArea, "'AREA'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
+      {AreaList::kMiddleArea, "'AREA'  AND FW32_CODMIDDLE <> '' AND FW32_CODRAGG = ''"},
+      {AreaList::kArea, "'AREA'  AND FW32_CODRAGG <> ''"},
+      {AreaList::kGrouping1, "'RAGG1'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
+      {AreaList::kGrouping2, "'RAGG2'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
+      {AreaList::kGrouping3, "'RAGG3'  AND FW32_CODMIDDLE = '' AND FW32_CODRAGG = ''"},
   };
   for (const auto& [list, expected] : cases) {
-    EXPECT_EQ(AreaListFilter(list), expected) << static_cast<int>(list);
+    EXPECT_EQ(AreaListFilter(list), " AND FW32_TIPORAGG = " + expected) << static_cast<int>(list);
   }
   // The company is pasted as its text.
   EXPECT_EQ(AreaListExtra(AreaList::kArea, Variant("001")),
@@ -346,7 +342,6 @@ TEST(ProjectStatements, TextsForOneUser) {
             "FW31_INDTIPO = 8                           AND FW31_FLGABILITATO = 0              "
             "             AND FW31_DITTARAGG = 1                         AND PD68_CODPROG = "
             "FW31_CODTIPO)");
-  EXPECT_EQ(ProjectCondition(5, one, "PD68_CODPROG"), kRossiProjectCondition);
   EXPECT_EQ(
       NodeProbeStatement(5, one),
       " SELECT TOP 1 1  FROM VFW3N_RVKNODI   WHERE FW3N_ID_FW07 = 5  AND FW3N_DITTA_CG18 = 1");
