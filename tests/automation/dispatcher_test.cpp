@@ -1,227 +1,267 @@
-// Late-bound invocation through a description: coercion to the declared
-// types, defaults of omitted arguments, by-reference results and the
-// automation errors of a call the boundary cannot make.
+// The three classes called late-bound through their descriptions, as a host
+// calls them: coercion to the declared types, the errors of a call the
+// boundary cannot make, by-reference results, omitted optionals, records,
+// and what the JSON protocol cannot show (a write-only property, the user
+// id a binding filled).
 #include "automation/dispatcher.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "automation/automation_object.h"
 #include "automation/class_builder.h"
 #include "automation/record_object.h"
-#include "db/connection.h"
+#include "automation/type_library.h"
+#include "db/recordset.h"
+#include "demo/demo_db.h"
+#include "filtroquery/clsfw_filtroquery.h"
+#include "frame/frame_test_support.h"
 #include "frame/host_object.h"
+#include "parser/parser_test_support.h"
+#include "platform/platform_test_support.h"
 #include "platform/vb_error.h"
+#include "rvkusers/clsfw_rvkusers.h"
 
 namespace zarvik::automation {
 namespace {
 
-// A class with one member of each shape the component's classes use.
-class Probe {
- public:
-  explicit Probe(const Env& /*env*/) {}
-  void SetStatementLog(std::shared_ptr<db::StatementLog> /*log*/) {}
-
-  // Echo members that show the type each argument arrived with.
-  int16_t Small(int16_t v) { return v; }
-  bool Flag(bool v) { return v; }
-  std::string Text(const std::string& v) { return v; }
-  Variant Any(const Variant& v) { return v; }
-
-  void Bump(int16_t& n, std::string& s, const std::string& untouched) {
-    n = static_cast<int16_t>(n + 1);
-    s += "!";
-    last_untouched = untouched;
-  }
-  std::string Opt(const std::string& a, std::optional<std::string> b, const std::string& c,
-                  bool d) {
-    return a + "|" + (b ? *b : "<missing>") + "|" + c + "|" + (d ? "T" : "F");
-  }
-  void OptRef(std::optional<std::string>& b) {
-    if (b) *b += "?";
-  }
-  std::string ConnectionKind(std::shared_ptr<db::Connection> c) {
-    return c ? "connection" : "nothing";
-  }
-  Variant Rights() {
-    return MakeRecord("tsProbe",
-                      {{"Abilitato", Variant::Boolean(true)}, {"Num", Variant(int16_t{3})}});
-  }
-  std::string Value() const { return value_; }
-  void SetValue(const std::string& v) { value_ = v; }
-
-  std::string last_untouched;
-
- private:
-  std::string value_ = "start";
-};
-
-std::shared_ptr<const ClassDescription> DescribeProbe() {
-  auto cls = std::make_shared<ClassDescription>();
-  ClassBuilder<Probe> b(*cls, "Probe", "test class");
-  b.Method("Small", {In("v", types::Integer())}, types::Integer(), &Probe::Small)
-      .Method("Flag", {In("v", types::Boolean())}, types::Boolean(), &Probe::Flag)
-      .Method("Text", {In("v", types::String())}, types::String(), &Probe::Text)
-      .Method("Any", {In("v", types::Variant())}, types::Variant(), &Probe::Any)
-      .Method("Bump",
-              {ByRef("n", types::Integer()), ByRef("s", types::String()),
-               In("untouched", types::String())},
-              types::Void(), &Probe::Bump)
-      .Method("Opt",
-              {In("a", types::String()), In("b", types::String()).Optional(),
-               In("c", types::String()).Optional("dflt"),
-               In("d", types::Boolean()).Optional(Variant::Boolean(true))},
-              types::String(), &Probe::Opt)
-      .Method("OptRef", {ByRef("b", types::String()).Optional()}, types::Void(), &Probe::OptRef)
-      .Method("ConnectionKind", {In("c", types::Connection())}, types::String(),
-              &Probe::ConnectionKind)
-      .Method("Rights", {}, types::Record("tsProbe"), &Probe::Rights)
-      .Get("Value", types::String(), &Probe::Value)
-      .Let("Value", types::String(), &Probe::SetValue);
-  return cls;
+std::vector<Argument> Args(std::vector<Variant> values) {
+  std::vector<Argument> args;
+  for (Variant& v : values) args.push_back(Argument{std::move(v), false});
+  return args;
 }
 
-class DispatcherTest : public ::testing::Test {
- protected:
-  Variant Call(const std::string& name, std::vector<Argument>& args) {
-    return InvokeMethod(*cls_, &probe_, name, args);
-  }
-  Variant Call1(const std::string& name, const Variant& v) {
-    std::vector<Argument> args{{v, false}};
-    return Call(name, args);
-  }
-  int32_t ErrorOf(const std::string& name, std::vector<Argument> args) {
-    try {
-      Call(name, args);
-    } catch (const VbError& e) {
-      return e.Number();
-    }
-    return 0;
-  }
-
-  std::shared_ptr<const ClassDescription> cls_ = DescribeProbe();
-  Probe probe_{Env{}};
-};
-
-struct CoercionCase {
-  const char* member;
-  Variant in;
-  VarType out_type;
-  Variant out;  // compared with VbEquals
-};
-
-TEST_F(DispatcherTest, ArgumentsArriveInTheDeclaredType) {
-  const std::vector<CoercionCase> cases = {
-      {"Small", Variant(int32_t{1}), VarType::kInteger, Variant(int16_t{1})},  // JSON 1
-      {"Small", Variant("12"), VarType::kInteger, Variant(int16_t{12})},
-      {"Small", Variant(2.5), VarType::kInteger, Variant(int16_t{2})},  // banker's rounding
-      {"Small", Variant::Boolean(true), VarType::kInteger, Variant(int16_t{-1})},
-      {"Small", Variant(), VarType::kInteger, Variant(int16_t{0})},
-      {"Flag", Variant(int32_t{1}), VarType::kBoolean, Variant::Boolean(true)},
-      {"Text", Variant(int32_t{5}), VarType::kString, Variant("5")},
-      {"Text", Variant::Boolean(true), VarType::kString, Variant("True")},
-      {"Any", Variant::Null(), VarType::kNull, Variant::Null()},
-  };
-  for (const CoercionCase& c : cases) {
-    const Variant got = Call1(c.member, c.in);
-    EXPECT_EQ(got.Type(), c.out_type) << c.member << "(" << c.in.ConcatText() << ")";
-    if (c.out_type != VarType::kNull) {
-      EXPECT_TRUE(VbEquals(got, c.out)) << c.member << "(" << c.in.ConcatText() << ")";
-    }
-  }
-  // True crosses as -1.
-  EXPECT_EQ(Call1("Flag", Variant(int32_t{5})).RawNumber(), -1);
+Variant Call(AutomationObject& object, const std::string& name, std::vector<Variant> values) {
+  std::vector<Argument> args = Args(std::move(values));
+  return object.Call(name, args);
 }
 
-TEST_F(DispatcherTest, CallsTheBoundaryCannotMakeAreErrors) {
-  const auto object = Variant(ObjectRef(std::make_shared<HostObject>()));
-  const Argument one{Variant(int32_t{1}), false};
+std::shared_ptr<AutomationObject> Make(const char* cls, const Env& env = Env{}) {
+  CreationContext context;
+  context.env = env;
+  return CreateObject(BuildTypeLibrary(), cls, context);
+}
+
+TEST(Dispatch, PropertiesArriveInTheDeclaredTypeAndNamesIgnoreCase) {
+  const auto rvk = Make("CLSFW_RVKUSERS");
+  const auto filter = Make("CLSFW_FILTROQUERY");
   const struct {
-    const char* member;
-    std::vector<Argument> args;
+    AutomationObject* object;
+    const char* name;
+    Variant in;
+    VarType out_type;
+    Variant out;  // compared with VbEquals
+  } cases[] = {
+      {rvk.get(), "MaxNumTry", Variant(int32_t{1}), VarType::kInteger, Variant(int16_t{1})},
+      {rvk.get(), "maxnumtry", Variant("12"), VarType::kInteger, Variant(int16_t{12})},
+      {rvk.get(), "MaxNumTry", Variant(2.5), VarType::kInteger, Variant(int16_t{2})},  // banker's
+      {rvk.get(), "MaxNumTry", Variant::Boolean(true), VarType::kInteger, Variant(int16_t{-1})},
+      {rvk.get(), "MaxNumTry", Variant(), VarType::kInteger, Variant(int16_t{0})},
+      {filter.get(), "RevokeDisabilitata", Variant(int32_t{5}), VarType::kBoolean,
+       Variant::Boolean(true)},
+      {filter.get(), "CodiceUtente", Variant(int32_t{5}), VarType::kString, Variant("5")},
+      {filter.get(), "CodiceUtente", Variant::Boolean(true), VarType::kString, Variant("True")},
+      {filter.get(), "DittaCorrente", Variant::Null(), VarType::kNull, Variant::Null()},
+  };
+  for (const auto& c : cases) {
+    c.object->PutProperty(c.name, c.in);
+    const Variant got = c.object->GetProperty(c.name);
+    EXPECT_EQ(got.Type(), c.out_type) << c.name << "(" << c.in.ConcatText() << ")";
+    if (c.out_type != VarType::kNull) {
+      EXPECT_TRUE(VbEquals(got, c.out)) << c.name << "(" << c.in.ConcatText() << ")";
+    }
+  }
+  EXPECT_EQ(filter->GetProperty("REVOKEDISABILITATA").RawNumber(), -1);  // True crosses as -1
+  EXPECT_EQ(Call(*rvk, "MaxNumTry", {}).ToLong(), 0);  // a property answers a call
+}
+
+TEST(Dispatch, CallsTheBoundaryCannotMakeAreErrors) {
+  const auto rvk = Make("CLSFW_RVKUSERS");
+  const auto filter = Make("CLSFW_FILTROQUERY");
+  const Variant object(ObjectRef(std::make_shared<HostObject>()));
+  const struct {
+    const char* name;
+    std::function<void()> call;
     int32_t error;
   } cases[] = {
-      {"Small", {{Variant(int32_t{40000}), false}}, vberr::kOverflow},
-      {"Small", {{Variant("abc"), false}}, vberr::kTypeMismatch},
-      {"Small", {{Variant::Null(), false}}, vberr::kTypeMismatch},
-      {"Text", {{object, false}}, vberr::kTypeMismatch},
-      {"ConnectionKind", {{object, false}}, vberr::kTypeMismatch},
-      {"ConnectionKind", {{Variant("DSN=x"), false}}, vberr::kTypeMismatch},
-      {"Nope", {}, vberr::kNotSupported},
-      {"Small", {}, vberr::kWrongArgCount},
-      {"Small", {one, one}, vberr::kWrongArgCount},
-      {"Opt", {Argument::Missing()}, kArgumentNotOptional},
+      {"overflow", [&] { rvk->Put("MaxNumTry", Variant(int32_t{40000})); }, vberr::kOverflow},
+      {"text", [&] { rvk->Put("MaxNumTry", Variant("abc")); }, vberr::kTypeMismatch},
+      {"Null", [&] { rvk->Put("MaxNumTry", Variant::Null()); }, vberr::kTypeMismatch},
+      {"object as text", [&] { filter->Put("CodiceUtente", object); }, vberr::kTypeMismatch},
+      {"not a connection", [&] { rvk->Put("ConnectionADO", object); }, vberr::kTypeMismatch},
+      {"text for Set", [&] { rvk->Put("ConnectionADO", Variant("DSN=x")); }, vberr::kNotSupported},
+      {"read-only", [&] { filter->Put("CondRevoke", Variant("x")); }, vberr::kNotSupported},
+      {"no such member", [&] { Call(*rvk, "Nope", {}); }, vberr::kNotSupported},
+      {"too few", [&] { Call(*rvk, "LoginRvk", {Variant(int32_t{1})}); }, vberr::kWrongArgCount},
+      {"too many", [&] { Call(*rvk, "TerminateConnection", {Variant(int32_t{1})}); },
+       vberr::kWrongArgCount},
+      {"not optional",
+       [&] {
+         std::vector<Argument> args = {Argument::Missing(), Argument{Variant("PC")}};
+         rvk->Call("LoginRvk", args);
+       },
+       kArgumentNotOptional},
   };
-  for (const auto& c : cases) EXPECT_EQ(ErrorOf(c.member, c.args), c.error) << c.member;
-  EXPECT_EQ(Call1("ConnectionKind", Variant::Nothing()).ToString(), "nothing");
-  EXPECT_EQ(
-      Call1("ConnectionKind", Variant(ObjectRef(std::make_shared<db::Connection>()))).ToString(),
-      "connection");
-  // Property put on a property without a Let.
-  EXPECT_THROW(InvokePut(*cls_, &probe_, "Rights", Variant("x")), VbError);
+  for (const auto& c : cases) EXPECT_EQ(test::ErrorOf(c.call), c.error) << c.name;
+  rvk->PutProperty("ConnectionADO", Variant::Nothing());
+  const auto connection = std::make_shared<db::Connection>();
+  rvk->PutProperty("ConnectionADO", Variant(ObjectRef(connection)));
+  EXPECT_EQ(rvk->GetProperty("ConnectionADO").ToObject(), connection);
 }
 
-TEST_F(DispatcherTest, ByReferenceArgumentsComeBackChanged) {
-  std::vector<Argument> args{
-      {Variant(int32_t{41}), false}, {Variant("hi"), false}, {Variant(int32_t{9}), false}};
-  EXPECT_TRUE(Call("Bump", args).IsEmpty());
-  EXPECT_EQ(args[0].value.Type(), VarType::kInteger);
-  EXPECT_EQ(args[0].value.ToLong(), 42);
-  EXPECT_EQ(args[1].value.ToString(), "hi!");
-  // A by-value argument is left as the caller passed it.
-  EXPECT_EQ(args[2].value.Type(), VarType::kLong);
-  EXPECT_EQ(probe_.last_untouched, "9");
-
-  // An omitted optional by-reference argument stays omitted.
-  std::vector<Argument> omitted{Argument::Missing()};
-  Call("OptRef", omitted);
-  EXPECT_TRUE(omitted[0].missing);
-  std::vector<Argument> given{{Variant("x"), false}};
-  Call("OptRef", given);
-  EXPECT_EQ(given[0].value.ToString(), "x?");
+TEST(Dispatch, ParserContextProperties) {
+  auto parser = Make("CLSFW_PARSER");
+  parser->PutProperty("IdUser", Variant("17"));
+  EXPECT_THROW(parser->GetProperty("IdUser"), VbError);
+  auto company = std::make_shared<HostObject>();
+  parser->PutProperty("DittaCorrente", Variant(ObjectRef(company)));
+  EXPECT_EQ(parser->GetProperty("DittaCorrente").ToObject(), company);
+  auto user = MakeHostObject({{"idutente", Variant(int32_t{6})},
+                              {"codice", Variant("BIANCHI")},
+                              {"Gruppo", Variant("VEN")}});
+  auto global = MakeHostObject({{"Gcls_UtenteCorrente", Variant(ObjectRef(user))}});
+  parser->PutProperty(
+      "ActiveInterface",
+      Variant(ObjectRef(MakeHostObject({{"ClsGlobal", Variant(ObjectRef(global))}}))));
+  EXPECT_EQ(parser->GetProperty("CodiceUtente").ToString(), "BIANCHI");
+  EXPECT_EQ(static_cast<CLSFW_PARSER*>(parser->Instance())->Frame().UserId(), 6);
 }
 
-TEST_F(DispatcherTest, OmittedOptionalArguments) {
-  struct Case {
-    std::vector<Argument> args;
-    const char* result;
-  };
-  std::vector<Case> cases = {
-      {{{Variant("a"), false}}, "a|<missing>|dflt|T"},
-      {{{Variant("a"), false}, Argument::Missing(), {Variant("c"), false}}, "a|<missing>|c|T"},
-      {{{Variant("a"), false},
-        {Variant(int32_t{2}), false},
-        Argument::Missing(),
-        {Variant(int32_t{0}), false}},
-       "a|2|dflt|F"},
-  };
-  for (Case& c : cases) EXPECT_EQ(Call("Opt", c.args).ToString(), c.result);
-}
+class ParserDispatch : public ::testing::Test, public zarvik::testing::ParserSession {
+ protected:
+  ParserDispatch() : ParserSession("ROSSI") {
+    object = Make("CLSFW_PARSER", Env{sink, std::make_shared<SystemClock>()});
+    object->PutProperty("ConnectionADO", Variant(ObjectRef(db)));
+    object->PutProperty("DittaCorrente", Variant(int32_t{1}));
+    for (const char* name : {"CodiceUtente", "CodiceUtenteCLIFOR"}) {
+      object->PutProperty(name, Variant("ROSSI"));
+    }
+    object->PutProperty("CodiceGruppo", Variant("VEN"));
+  }
+  std::shared_ptr<AutomationObject> object;
+};
 
-TEST_F(DispatcherTest, NamesIgnoreCaseAndPropertiesAnswerCalls) {
-  EXPECT_EQ(Call1("sMaLl", Variant(int32_t{3})).ToLong(), 3);
-  InvokePut(*cls_, &probe_, "value", Variant(int32_t{12}));
+TEST_F(ParserDispatch, AnswersAsTheTypedCallsWithOmittedOptionalsDefaulted) {
+  const Variant g("G"), c("C"), t = Variant::Boolean(true), f = Variant::Boolean(false);
+  const std::vector<std::pair<Variant, std::string>> cases = {
+      {Call(*object, "SQLConditionDepositi", {Variant("D"), t}),
+       parser.SQLConditionDepositi("D", true, true)},
+      {Call(*object, "SQLConditionCliFor", {Variant("CG44"), Variant(int32_t{1})}),
+       parser.SQLConditionCliFor("CG44", true)},
+      {Call(*object, "SQLConditionContiPDC", {g, c, f}),
+       parser.SQLConditionContiPDC("G", "C", false, true)},
+      {Call(*object, "SQLinnerjoinContiPDCBloccati", {g, c}),
+       parser.SQLinnerjoinContiPDCBloccati("G", "C", false)},
+      {Call(*object, "SQLConditionWizAnag", {Variant(int32_t{4}), g, c, f}),
+       parser.SQLConditionWizAnag(4, "G", "C", false)},
+      {Call(*object, "SQLConditionTracciatiImport", {g, Variant(int32_t{7}), t}),
+       parser.SQLConditionTracciatiImport("G", Variant(int32_t{7}), true)},
+  };
+  for (const auto& [dispatched, typed] : cases) EXPECT_EQ(dispatched.ToString(), typed);
+  std::vector<Argument> omitted = {Argument{Variant("S")}, Argument{f}, Argument::Missing()};
+  EXPECT_EQ(object->Call("SQLConditionSediMov", omitted).ToString(),
+            parser.SQLConditionSediMov("S", false, true));
+  const Variant blocked = Call(*object, "AutorizzaAttivitaSuDocumentoProduzione",
+                               {Variant(int32_t{25}), Variant(int32_t{1}), Variant(int32_t{2})});
+  EXPECT_EQ(blocked.Type(), VarType::kBoolean);
+  EXPECT_TRUE(blocked.ToBool());
   std::vector<Argument> none;
-  EXPECT_EQ(InvokeGet(*cls_, &probe_, "VALUE", none).ToString(), "12");
-  EXPECT_EQ(Call("Value", none).ToString(), "12");
-  // A method without arguments answers a get.
-  const Variant rights = InvokeGet(*cls_, &probe_, "Rights", none);
+  EXPECT_EQ(object->Get("StatiArticoloMagaArray", none).ToArray()->UBound(2), 3);
+  auto revoked =
+      std::dynamic_pointer_cast<db::Recordset>(Call(*object, "CliForRevocati", {}).ToObject());
+  ASSERT_NE(revoked, nullptr);
+  EXPECT_EQ(revoked->RecordCount(), 8);
+  EXPECT_TRUE(Boxes().empty());
+}
+
+TEST_F(ParserDispatch, ByReferenceArgumentsAndRecordsComeBack) {
+  const std::string statement = "SELECT A.X FROM MG36_DOCUMENTI A WHERE 1 = 1 ORDER BY A.X";
+  std::vector<Argument> args = Args({Variant(statement)});
+  std::string buffer = statement;
+  EXPECT_EQ(object->Call("ElaboraStrSQL", args).ToString(), parser.ElaboraStrSQL(buffer));
+  EXPECT_EQ(args[0].value.ToString(), "SELECT A.X FROM MG36_DOCUMENTI A ");
+  args = Args({Variant("cg44"), Variant(int32_t{1})});
+  object->Call("CLIFORCondition", args);
+  EXPECT_EQ(args[1].value.Type(), VarType::kBoolean);
+  EXPECT_EQ(args[1].value.RawNumber(), -1);
+  args = Args({Variant(int32_t{10}), Variant("1002"), Variant(int16_t{9}), Variant(int16_t{9})});
+  EXPECT_FALSE(object->Call("ContoPDCBloccato", args).ToBool());
+  EXPECT_EQ(args[2].value.ToInteger() * 10 + args[3].value.ToInteger(), 10);
+
+  const Variant rights =
+      Call(*object, "PermessiDocTipologie", {Variant("OCL"), Variant(int16_t{0})});
   auto record = std::dynamic_pointer_cast<RecordObject>(rights.ToObject());
   ASSERT_NE(record, nullptr);
-  EXPECT_EQ(record->TypeName(), "tsProbe");
-  ASSERT_EQ(record->Fields().size(), 2u);
-  EXPECT_EQ(record->Fields()[0].first, "Abilitato");
-  EXPECT_EQ(record->GetProperty("num").ToLong(), 3);
+  EXPECT_EQ(record->TypeName(), "tsRvkDocumenti");
+  std::string fields;
+  for (const auto& [name, value] : record->Fields()) {
+    fields += name + (value.Type() == VarType::kBoolean && value.ToBool() ? "=T " : "=F ");
+  }
+  EXPECT_EQ(fields, "rvkExists=T CanDelete=T CanUpdate=F CanInsert=F ");
+  EXPECT_FALSE(Call(*object, "InitRevokeFamiglia", {Variant("MEC")})
+                   .ToObject()
+                   ->GetProperty("canupdate")
+                   .ToBool());
+}
+
+TEST(Dispatch, FiltroCondizioneByReferenceAndOmittedArguments) {
+  zarvik::testing::RecordingEnv rec;
+  const auto object = Make("CLSFW_FILTROQUERY", rec.env);
+  object->Put("ConnectionADO", Variant(ObjectRef(demo::OpenDemoDatabase(":memory:"))));
+  object->Put("CodiceUtente", Variant("ROSSI"));
+  object->Put("CodiceGruppo", Variant("VEN"));
+  object->Put("DittaCorrente", Variant(int32_t{1}));
+  // Report field omitted: the data field stands in for it.
+  std::vector<Argument> args = {Argument{Variant("Cliente")}, Argument{Variant("CG44_CLIFOR")},
+                                Argument::Missing(), Argument{Variant(int32_t{tsCliente})}};
+  EXPECT_TRUE(object->Call("FiltroCondizione", args).IsEmpty());
+  std::vector<Argument> none;
+  EXPECT_EQ(object->Get("CondRevokeCrystal", none).ToString(),
+            " (NOT (CG44_CLIFOR IN [5,6,8,9,11]))");
+  EXPECT_EQ(args[1].value.ToString(), "CG44_CLIFOR");
+  EXPECT_TRUE(args[2].missing);
+  EXPECT_EQ(args[3].value.Type(), VarType::kLong);  // a by-value argument is left as it was
+  // The kind omitted arrives as zero: no customer condition.
+  args = Args({Variant("Cliente"), Variant("CG44_CLIFOR"), Variant("{CG44.CLIFOR}")});
+  object->Call("FiltroCondizione", args);
+  EXPECT_EQ(object->Get("CondRevoke", none).ToString(), "");
+  EXPECT_TRUE(rec.sink->messages.empty());
+}
+
+TEST(Dispatch, LoginOfALockedUser) {
+  const auto connection = demo::OpenDemoDatabase(":memory:");
+  auto rvk = Make("CLSFW_RVKUSERS");
+  rvk->PutProperty("ConnectionADO", Variant(ObjectRef(connection)));
+  rvk->PutProperty("MaxNumTry", Variant("3"));
+  // GALLO is locked: Risultato comes back as 2, a 16-bit value; Gruppo omitted.
+  std::vector<Argument> args = {Argument{Variant(int32_t{1})}, Argument{Variant("PC-GALLO")},
+                                Argument::Missing(), Argument{Variant("cgallo")}};
+  rvk->Call("LoginRvk", args);
+  EXPECT_EQ(args[0].value.Type(), VarType::kInteger);
+  EXPECT_EQ(args[0].value.ToLong(), 2);
+  EXPECT_TRUE(args[2].missing);
+  const Variant status = rvk->GetProperty("IsRevoked");
+  EXPECT_EQ(status.Type(), VarType::kLong);
+  EXPECT_EQ(status.ToLong(), RevokeVantor);
+  // Only the first two arguments: the login name is "", nobody is found.
+  Call(*rvk, "LoginRvk", {Variant(int32_t{1}), Variant("PC")});
+  EXPECT_EQ(rvk->GetProperty("IsRevoked").ToLong(), NoRevoke);
+  // TerminateConnection releases the host's connection without closing it.
+  Call(*rvk, "TerminateConnection", {});
+  EXPECT_TRUE(rvk->GetProperty("ConnectionADO").IsNothing());
+  EXPECT_EQ(connection->State(), db::kStateOpen);
 }
 
 TEST(ClassBuilder, DescriptionMustMatchTheCxxSignature) {
   ClassDescription cls;
-  ClassBuilder<Probe> b(cls, "Probe", "");
-  EXPECT_THROW(b.Method("Small", {}, types::Integer(), &Probe::Small), std::logic_error);
+  ClassBuilder<CLSFW_RVKUSERS> b(cls, "CLSFW_RVKUSERS", "");
+  EXPECT_THROW(b.Method("SetMaxNumTry", {}, types::Void(), &CLSFW_RVKUSERS::SetMaxNumTry),
+               std::logic_error);
 }
 
 }  // namespace

@@ -44,9 +44,7 @@ TEST(TypeLibrary, IdlText) {
            "        tsGenerico = 1,\n",
            "    typedef [uuid(5a176ef3-dddd-5f30-ab4c-6f815730d789)] struct tsRvkTipiMov {\n"
            "        VARIANT_BOOL Cons;\n",
-           "      uuid(d63ef56c-7dad-5c62-92b8-427d567e6001),\n",
            "    interface _CLSFW_PARSER : IDispatch\n",
-           "      uuid(7fa209a4-2775-5a89-9fa8-5041ba8b3306),\n",
            "    coclass CLSFW_PARSER\n    {\n        [default] interface _CLSFW_PARSER;\n",
            "[id(1), propputref] HRESULT ConnectionADO([in] IDispatch* value);",
            "[id(5), propput] HRESULT CodiceUtente([in] BSTR value);",

@@ -46,10 +46,7 @@ TEST(RewriteCommand, RewritesForTheUserOfTheGivenDatabase) {
   } cases[] = {
       // The group defaults to the user's own (VEN for ROSSI, id 5); another
       // group finds nobody (id 0).
-      {{"--user", "ROSSI", kStatement},
-       "MG36_DITTA_CG18 = 1 )  AND  NOT EXISTS(SELECT *  FROM "
-       "VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5 ",
-       ""},
+      {{"--user", "ROSSI", kStatement}, "VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5 ", ""},
       {{"--user", "ROSSI", "--group", "AMM", kStatement}, "FW31_ID_FW07 = 0 ", ""},
       {{"--user", "ZentAd", kStatement}, std::string(kStatement) + "\n", ""},
       {{"--user", "GIALLI", "--agent", "12", "--company", "1", "SELECT * FROM MG17_AGENTI"},

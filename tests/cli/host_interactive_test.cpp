@@ -1,5 +1,6 @@
-// `zarvik host` driven the way an interactive host drives it: each answer
-// must arrive before the next request is written.
+// The built `zarvik host` binary: each answer arrives before the next request
+// is written, requests sent ahead are all answered, and neither a line that
+// is not JSON nor one nested 100,000 levels deep ends the session.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -23,7 +24,7 @@ std::string ReadLine(int fd) {
   return line;
 }
 
-TEST(HostInteractive, EachAnswerArrivesBeforeTheNextRequest) {
+TEST(HostBinary, AnswersEachLineInTurnAndSurvivesBadLines) {
   int to_host[2];
   int from_host[2];
   ASSERT_EQ(::pipe(to_host), 0);
@@ -42,14 +43,24 @@ TEST(HostInteractive, EachAnswerArrivesBeforeTheNextRequest) {
   posix_spawn_file_actions_destroy(&actions);
   ::close(to_host[0]);
   ::close(from_host[1]);
+  auto send = [&](const std::string& lines) {
+    ASSERT_EQ(::write(to_host[1], lines.data(), lines.size()), static_cast<ssize_t>(lines.size()));
+  };
 
+  const std::string make_parser = "{\"op\":\"new\",\"class\":\"CLSFW_PARSER\"}\r\n";
   for (const std::string id : {"1", "2"}) {
-    const std::string request = R"({"op":"new","class":"CLSFW_PARSER"})"
-                                "\n";
-    ASSERT_EQ(::write(to_host[1], request.data(), request.size()),
-              static_cast<ssize_t>(request.size()));
+    send(make_parser);
     EXPECT_EQ(ReadLine(from_host[0]), R"({"ok":true,"id":)" + id + R"(,"boxes":[],"sql":[]})");
   }
+  send("this is not json\n" + std::string(100000, '[') + "\n" +
+       R"({"op":"put","id":1,"name":"CodiceUtente","value":"GIALLI"})"
+       "\n" +
+       R"({"op":"get","id":1,"name":"CodiceUtente"})"
+       "\n");
+  EXPECT_EQ(ReadLine(from_host[0]).rfind(R"({"ok":false,"error":)", 0), 0u);
+  EXPECT_NE(ReadLine(from_host[0]).find("nested deeper than 64"), std::string::npos);
+  EXPECT_EQ(ReadLine(from_host[0]), R"({"ok":true,"boxes":[],"sql":[]})");
+  EXPECT_EQ(ReadLine(from_host[0]), R"({"ok":true,"value":"GIALLI","boxes":[],"sql":[]})");
   ::close(to_host[1]);
   int status = 0;
   ASSERT_EQ(::waitpid(pid, &status, 0), pid);

@@ -58,15 +58,6 @@ class FilterOnDemo {
   const std::vector<std::string>& Sent() const { return log->statements; }
   const std::vector<Message>& Boxes() const { return rec.sink->messages; }
 
-  // The first column of every row of a statement (not recorded).
-  std::vector<std::string> Column(const std::string& sql) {
-    db->SetStatementLog(nullptr);
-    std::vector<std::string> values;
-    for (const auto& row : demo::QueryRows(*db, sql)) values.push_back(row.at(0).ConcatText());
-    db->SetStatementLog(log);
-    return values;
-  }
-
   RecordingEnv rec;
   std::shared_ptr<db::Connection> db;
   std::shared_ptr<db::StatementLog> log;

@@ -1,7 +1,6 @@
-// LoginRvk on the demo database: what is logged, what is counted, when a
-// user is locked, that nothing ever escapes the method, and the class's own
-// connection (opened from ConnectionStringADO, closed only when it is its
-// own).
+// CLSFW_RVKUSERS: LoginRvk on the demo database (what is logged, what is
+// counted, when a user is locked, hostile names, the class's own
+// connection) and FormatSqlValue.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -15,6 +14,7 @@
 #include "db/tracing.h"
 #include "demo/demo_db.h"
 #include "frame/frame_test_support.h"
+#include "frame/host_object.h"
 #include "platform/env.h"
 #include "platform/message_sink.h"
 #include "rvkusers/clsfw_rvkusers.h"
@@ -158,7 +158,10 @@ TEST(LoginRvk, NothingIsWrittenForAnUnknownLoginOutcome3OrAnIdAbove32767) {
   // No such login, NERI is inactive, the name omitted ("").
   for (const auto& login : {std::optional<std::string>("nobody"),
                             std::optional<std::string>("cneri"), std::optional<std::string>()}) {
-    ASSERT_EQ(t.Login("cgallo", 3).status, RevokeVantor);  // a status to overwrite
+    // GALLO is locked: even outcome 3 is logged (as 2), and not counted.
+    const LoginResult gallo = t.Login("cgallo", 3);
+    ASSERT_EQ(gallo.risultato * 10 + gallo.status, 20 + RevokeVantor);
+    EXPECT_EQ(gallo.sent.size(), 2u);
     const std::string rows = t.LogRows();
     const LoginResult r = t.Login(login, 1);
     EXPECT_EQ(r.risultato * 10 + r.status, 10 + NoRevoke) << login.value_or("<omitted>");
@@ -180,18 +183,27 @@ TEST(LoginRvk, NothingIsWrittenForAnUnknownLoginOutcome3OrAnIdAbove32767) {
   EXPECT_EQ(t.Locked(uid::kEsterno) + fresh.Locked(uid::kBruno), "00");
 }
 
-TEST(LoginRvk, AlreadyRevokedUserIsLoggedWithOutcome2AndNotCounted) {
-  // GALLO is locked in the demo data. The lookup turns the outcome into 2
-  // before the outcome-3 test, so even 3 is logged (as 2).
+TEST(LoginRvk, ANameThatWouldEndTheLiteralIsNeverSentAndTheWinUserIsEscaped) {
   RvkUsersOnDemo t(1);
-  t.At({11, 0, 0, 6});
-  const LoginResult r = t.Login("cgallo", 3, "PC-GALLO");
-  EXPECT_EQ(r.risultato * 10 + r.status, 20 + RevokeVantor);
-  EXPECT_EQ(r.sent.size(), 2u);  // lookup and insert, no count
-  EXPECT_EQ(t.Rows("SELECT FW33_DATA || '|' || FW33_AZIONE || '|' || FW33_RISULTATO || '|' || "
-                   "FW33_WINUSER || '|' || FW33_DATAORA FROM FW33_RVKUSER WHERE FW33_ID_FW07 = 11 "
-                   "AND FW33_DATA = '20240306'"),
-            "20240306|0|2|PC-GALLO|2024-03-06 11:00:00.000");  // the server's clock
+  for (const std::string& name : {std::string("' OR '1'='1"), std::string("lbruno'--"),
+                                  std::string("lbruno\0' OR 1 = 1 --", 20)}) {
+    ASSERT_EQ(t.Login("cgallo", 3).status, RevokeVantor);  // a status to overwrite
+    const LoginResult r = t.Login(name, 1);
+    EXPECT_EQ(r.sent, Strings{}) << name;
+    EXPECT_EQ(r.risultato * 10 + r.status, 10 + NoRevoke) << name;
+  }
+  EXPECT_EQ(t.Login("x; DELETE FROM FW07_APPUSER --", 1).sent,
+            Strings{"SELECT FW07_ID, FW07_FLGREVOKE FROM FW07_APPUSER  WHERE FW07_USERNAME = "
+                    "'x; DELETE FROM FW07_APPUSER --' AND FW07_FLGATTIVO = 1"});
+  const std::string win_user = "PC'; DELETE FROM FW07_APPUSER; --";
+  EXPECT_NE(t.Login("lbruno", 0, win_user)
+                .One(" INSERT INTO FW33_RVKUSER ")
+                .find(",'PC''; DELETE FROM FW07_APPUSER; --', [dbo].[KVL_GETDATE]()) "),
+            std::string::npos);
+  EXPECT_EQ(t.Rows("SELECT FW33_WINUSER FROM FW33_RVKUSER WHERE rowid = (SELECT MAX(rowid) FROM "
+                   "FW33_RVKUSER)"),
+            win_user);
+  EXPECT_EQ(t.Rows("SELECT COUNT(*) FROM FW07_APPUSER"), "9");
 }
 
 TEST(LoginRvk, PrivilegedLoginIsLoggedButNeverCounted) {
@@ -373,6 +385,85 @@ TEST(RvkUsersConnection, OpensItsOwnClosesItAndLeavesTheHostsOpen) {
     rvk_on_host.SetConnectionADO(host);  // and once more, for the destructor
   }
   EXPECT_EQ(host->State(), db::kStateOpen);
+}
+
+// FormatSqlValue and the date and number literal writers behind it.
+TEST(FormatSqlValue, ValuesThatAreNotEmpty) {
+  const Variant object(ObjectRef(std::make_shared<HostObject>()));
+  const struct {
+    Variant value;
+    int16_t tipo;
+    const char* literal;  // "": the value is refused
+  } cases[] = {
+      {Variant("O'Hara"), 0, "'O'Hara'"},  // quotes are not doubled
+      {Variant(" "), 0, "' '"},            // blank is not empty
+      {object, 0, ""},
+      {Variant("abc"), 4, ""},  // no such kind
+      // Numbers: invariant point, no grouping, no exponent, 15 digits.
+      {Variant("2.5"), 1, "2.5"},
+      {Variant("abc"), 1, ""},
+      {Variant(1234567.25), 2, "1234567.25"},
+      {Variant(int16_t{-12}), 2, "-12"},
+      {Variant(-0.0), 2, "0"},
+      {Variant(1e20), 2, "100000000000000000000"},
+      {Variant(1.5e-7), 2, "0.00000015"},
+      {Variant(123456789012345678.0), 2, "123456789012346000"},
+      {Variant::Boolean(true), 2, "-1"},
+      {Variant("  3.50 "), 2, "3.5"},
+      {Variant("1.234,5"), 2, ""},
+      {Variant::Date(45356), 2, ""},
+      {Variant::Date(45356), 1, "45356"},
+      {object, 2, ""},
+      // Dates: the day as eight digits.
+      {Variant::Date(OleDateFromYmd(2024, 12, 31) + 23.0 / 24 + 59.0 / 1440), 3, "'20241231'"},
+      {Variant::Date(0), 3, "'18991230'"},
+      {Variant::Date(-1.25), 3, "'18991229'"},  // before day 0, with a time
+      {Variant::Date(OleDateFromYmd(100, 1, 1)), 3, "'01000101'"},
+      {Variant::Date(OleDateFromYmd(9999, 12, 31)), 3, "'99991231'"},
+      {Variant::Date(OleDateFromYmd(10000, 1, 1)), 3, ""},
+      {Variant("2024-03-05 17:45:00"), 3, "'20240305'"},
+      {Variant("05/03/2024x"), 3, ""},
+      {Variant(int32_t{45356}), 3, ""},  // a number is no date
+  };
+  auto sink = std::make_shared<RecordingMessageSink>();
+  CLSFW_RVKUSERS rvk{Env{sink, std::make_shared<SystemClock>()}};
+  for (const auto& c : cases) {
+    for (bool ammetti_null : {false, true}) {
+      EXPECT_EQ(rvk.FormatSqlValue(c.value, c.tipo, ammetti_null), c.literal)
+          << "tipo " << c.tipo << " " << c.value.ConcatText();
+    }
+  }
+  EXPECT_TRUE(sink->messages.empty());
+}
+
+TEST(FormatSqlValue, EmptyValues) {
+  const std::string numeric =
+      "Si sta tentando di assegnare il valore (numerico) null a un campo che non ammette null.";
+  const std::string date =
+      "Si sta tentando di assegnare il valore (data) null a un campo che non ammette null.";
+  const struct {
+    int16_t tipo;
+    bool ammetti_null;
+    const char* literal;
+    std::string message;  // "": no message
+  } cases[] = {
+      {0, true, "null", ""},   {3, true, "null", ""}, {0, false, "''", ""}, {1, false, "", numeric},
+      {2, false, "", numeric}, {3, false, "", date},  {9, false, "", ""},
+  };
+  for (const Variant& empty : {Variant(), Variant::Null(), Variant("")}) {
+    for (const auto& c : cases) {
+      SCOPED_TRACE(std::to_string(c.tipo) + (c.ammetti_null ? " null allowed" : ""));
+      auto sink = std::make_shared<RecordingMessageSink>();
+      CLSFW_RVKUSERS rvk{Env{sink, std::make_shared<SystemClock>()}};
+      EXPECT_EQ(rvk.FormatSqlValue(empty, c.tipo, c.ammetti_null), c.literal);
+      ASSERT_EQ(sink->messages.size(), c.message.empty() ? 0u : 1u);
+      if (!c.message.empty()) {
+        EXPECT_EQ(sink->messages[0].text, c.message);
+        EXPECT_EQ(sink->messages[0].title, "");
+        EXPECT_EQ(sink->messages[0].style, msgstyle::kOkOnly);
+      }
+    }
+  }
 }
 
 }  // namespace
