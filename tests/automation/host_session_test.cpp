@@ -322,6 +322,10 @@ TEST(HostLimits, CyclesAreFreedOnceNoIdReachesThem) {
     ObjectRef parser = CreateObject(BuildTypeLibrary(), "CLSFW_PARSER", CreationContext{});
     auto app = MakeHostObject({{"Back", Variant(parser)}});
     parser->PutProperty("ActiveInterface", Variant(ObjectRef(app)));
+    // ... and to a second parser through both company fields.
+    ObjectRef twin = CreateObject(BuildTypeLibrary(), "CLSFW_PARSER", CreationContext{});
+    parser->PutProperty("DittaCorrente", Variant(twin));
+    twin->PutProperty("DittaCorrente", Variant(parser));
     // A pair held by a third object; only one of the pair has an id.
     auto b = std::make_shared<HostObject>();
     auto c = MakeHostObject({{"Peer", Variant(ObjectRef(b))}});

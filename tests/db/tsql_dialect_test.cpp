@@ -99,6 +99,9 @@ TEST(TranslateTest, ComponentTexts) {
            "strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime')), 1, 10) FROM T"},
       Case{"GETDATE without its parentheses is a name", "SELECT GETDATE FROM T",
            "SELECT GETDATE FROM T"},
+      Case{"style 121 keeps the milliseconds", "SELECT CONVERT(varchar(23), D, 121) FROM T",
+           "SELECT strftime('%Y-%m-%d %H:%M:%f', D) FROM T"},
+      Case{"a doubled bracket at the end of a name", "SELECT [a]]] FROM T", "SELECT \"a]\" FROM T"},
       Case{"unknown CONVERT target is left alone", "SELECT CONVERT(UNIQUEIDENTIFIER, X) FROM T",
            "SELECT CONVERT(UNIQUEIDENTIFIER, X) FROM T"}};
   for (const Case& c : cases) EXPECT_EQ(TranslateTsqlToSqlite(c.tsql), c.sqlite) << c.what;

@@ -17,6 +17,8 @@ TEST(Utf16, EveryTextRoundTrips) {
       {"", U()},
       {"Abc", u"Abc"},
       {"perch\xC3\xA9 \xE2\x82\xAC", u"perch\u00E9 \u20AC"},
+      {"\xE0\xA0\x80", U(1, char16_t{0x0800})},  // the first three-byte character
+      {"\xF4\x8F\xBF\xBF", u"\U0010FFFF"},       // the last character
       {"\xF0\x9F\x98\x80", u"\U0001F600"},       // astral: a surrogate pair
       {"\xED\xA0\x80", U(1, char16_t{0xD800})},  // a lone surrogate is kept
       {"a\xFF"

@@ -68,7 +68,8 @@ TEST(VariantToInteger, ConversionTable) {
       {Variant(3.5), 4},       {Variant(-2.5), -2},       {Variant(0.5), 0},
       {Variant(2.5001), 3},    {Variant(32767.4), 32767}, {Variant(-32768.5), -32768},
       {Variant("  -7  "), -7}, {Variant("2.5"), 2},       {Variant("1e3"), 1000},
-      {Variant("1D2"), 100},   {Variant("&hff"), 255},    {Variant("&O17"), 15}};
+      {Variant("1D2"), 100},   {Variant("&hff"), 255},    {Variant("&O17"), 15},
+      {Variant("&H19"), 25}};
   // CInt raises 6, CLng answers.
   const std::vector<Case> long_only = {
       {Variant(32767.5), 32768},           {Variant(-32768.6), -32769},
