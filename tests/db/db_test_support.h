@@ -60,6 +60,14 @@ inline bool OdbcDriverInstalled() {
         << "Driver=" << ZARVIK_SQLITE_ODBC_DRIVER << "\n";
   }
   ::setenv("ODBCSYSINI", dir.c_str(), 1);
+  // Gone again when the test process ends.
+  static const struct RemoveAtExit {
+    std::string dir;
+    ~RemoveAtExit() {
+      std::remove((dir + "/odbcinst.ini").c_str());
+      ::rmdir(dir.c_str());
+    }
+  } remove_at_exit{dir};
 #endif
   for (const std::string& name : InstalledOdbcDrivers()) {
     if (name == kOdbcDriver) return true;
