@@ -114,6 +114,10 @@ void Command::AppendParameter(ParameterInfo info) {
 
 std::shared_ptr<Recordset> Command::Execute(long /*options*/) {
   if (peer_) {
+    if (connection_) {
+      connection_->LogPeerStatement(IsStoredProc(command_type_) ? "{call " + command_text_ + "}"
+                                                                : command_text_);
+    }
     std::vector<Variant> none;
     return std::make_shared<Recordset>(peer_->CallMethod("Execute", none).ToObject());
   }

@@ -163,7 +163,7 @@ std::shared_ptr<Recordset> Connection::Run(F&& run) {
 std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long options) {
   if (peer_) {
     // Execute(CommandText, RecordsAffected, Options).
-    if (log_) log_->statements.push_back(text);
+    LogPeerStatement(IsStoredProc(options) ? "{call " + text + "}" : text);
     std::vector<Variant> args{Variant(text), Variant(), Variant(static_cast<int32_t>(options))};
     return std::make_shared<Recordset>(peer_->CallMethod("Execute", args).ToObject());
   }

@@ -72,6 +72,12 @@ class Connection : public Object {
   // May be called before or after Open.
   void SetStatementLog(std::shared_ptr<StatementLog> log);
 
+  // Records a statement sent past the backend (to the host's ADO), as the
+  // tracing backend records the ones it runs.
+  void LogPeerStatement(const std::string& text) {
+    if (log_) log_->statements.push_back(text);
+  }
+
   // The backend of an open connection, for Command (closed: 3709).
   Backend& OpenBackendOrThrow();
 

@@ -55,7 +55,12 @@ class LruCache {
     Erase(key);
     if (bytes > max_bytes_) return false;
     order_.push_front(Entry{std::move(key), std::move(value), bytes});
-    index_.emplace(order_.front().key, order_.begin());
+    try {
+      index_.emplace(order_.front().key, order_.begin());
+    } catch (...) {  // an entry the index does not know would never be let go
+      order_.pop_front();
+      throw;
+    }
     bytes_ += bytes;
     while (bytes_ > max_bytes_) Erase(order_.back().key);
     return true;

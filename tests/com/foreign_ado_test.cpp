@@ -43,11 +43,16 @@ TEST(ForeignAdo, OwnConnectionIsAnAdoConnectionAndAnswersAsTheEngine) {
   foreign.env.data_access = ado;
   CLSFW_PARSER engine(native.env);
   CLSFW_PARSER parser(foreign.env);
+  auto engine_sent = std::make_shared<db::StatementLog>();
+  auto parser_sent = std::make_shared<db::StatementLog>();
+  engine.SetStatementLog(engine_sent);
+  parser.SetStatementLog(parser_sent);
   for (CLSFW_PARSER* p : {&engine, &parser}) {
     p->SetConnectionStringADO(file.ConnectionString());
     SetRossi(*p);
   }
   EXPECT_EQ(Ask(parser), Ask(engine));
+  EXPECT_EQ(parser_sent->statements, engine_sent->statements);  // procedure calls included
   EXPECT_TRUE(native.sink->messages.empty());
   EXPECT_TRUE(foreign.sink->messages.empty());
   EXPECT_EQ(std::vector<std::string>(ado->calls->begin(), ado->calls->begin() + 7),
