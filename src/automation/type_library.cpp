@@ -1,21 +1,8 @@
 #include "automation/type_library.h"
 
+#include "platform/vb_string.h"
+
 namespace zarvik::automation {
-namespace {
-
-char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c; }
-
-// Names compare as UCase(a) = UCase(b), without copying either: most
-// differ in length already.
-bool SameName(const std::string& a, const std::string& b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (AsciiUpper(a[i]) != AsciiUpper(b[i])) return false;
-  }
-  return true;
-}
-
-}  // namespace
 
 ParamDescription ParamDescription::Optional() const {
   ParamDescription p = *this;
@@ -47,14 +34,14 @@ ParamDescription ByRef(std::string name, TypeRef type) {
 const MemberDescription* ClassDescription::Find(const std::string& member_name,
                                                 MemberKind kind) const {
   for (const MemberDescription& m : members) {
-    if (m.kind == kind && SameName(m.name, member_name)) return &m;
+    if (m.kind == kind && vb::SameText(m.name, member_name)) return &m;
   }
   return nullptr;
 }
 
 bool ClassDescription::HasMember(const std::string& member_name) const {
   for (const MemberDescription& m : members) {
-    if (SameName(m.name, member_name)) return true;
+    if (vb::SameText(m.name, member_name)) return true;
   }
   return false;
 }
@@ -62,21 +49,21 @@ bool ClassDescription::HasMember(const std::string& member_name) const {
 std::shared_ptr<const ClassDescription> TypeLibrary::FindClass(
     const std::string& class_name) const {
   for (const auto& c : classes) {
-    if (SameName(c->name, class_name)) return c;
+    if (vb::SameText(c->name, class_name)) return c;
   }
   return nullptr;
 }
 
 const RecordDescription* TypeLibrary::FindRecord(const std::string& record_name) const {
   for (const RecordDescription& r : records) {
-    if (SameName(r.name, record_name)) return &r;
+    if (vb::SameText(r.name, record_name)) return &r;
   }
   return nullptr;
 }
 
 const EnumDescription* TypeLibrary::FindEnum(const std::string& enum_name) const {
   for (const EnumDescription& e : enums) {
-    if (SameName(e.name, enum_name)) return &e;
+    if (vb::SameText(e.name, enum_name)) return &e;
   }
   return nullptr;
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "automation/dispatcher.h"
 #include "automation/name_uuid.h"
 #include "automation/record_object.h"
 #include "com/foreign_object.h"
@@ -332,7 +333,7 @@ HRESULT DispatchError(const VbError& error, EXCEPINFO* info) {
       return DISP_E_MEMBERNOTFOUND;
     case vberr::kWrongArgCount:
       return DISP_E_BADPARAMCOUNT;
-    case 449:
+    case automation::kArgumentNotOptional:
       return DISP_E_PARAMNOTOPTIONAL;
     case vberr::kTypeMismatch:
       return DISP_E_TYPEMISMATCH;
@@ -372,7 +373,7 @@ VbError ErrorOf(HRESULT hr, EXCEPINFO* info) {
     case DISP_E_BADPARAMCOUNT:
       return VbError(vberr::kWrongArgCount);
     case DISP_E_PARAMNOTOPTIONAL:
-      return VbError(449, "Argument not optional");
+      return VbError(automation::kArgumentNotOptional, "Argument not optional");
     case DISP_E_TYPEMISMATCH:
       return VbError(vberr::kTypeMismatch);
     case DISP_E_OVERFLOW:

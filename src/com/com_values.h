@@ -6,6 +6,8 @@
 #include <oaidl.h>
 #include <windows.h>
 
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -30,11 +32,6 @@ class ComPtr {
   }
   ~ComPtr() {
     if (p_) p_->Release();
-  }
-  // Shares a pointer someone else owns.
-  static ComPtr Share(T* p) {
-    if (p) p->AddRef();
-    return ComPtr(p);
   }
   T* get() const { return p_; }
   T* operator->() const { return p_; }
@@ -104,6 +101,21 @@ void StoreScalar(VARIANT& value, VARTYPE type, void* data, bool free_old);
 // set as the thread's error info.
 HRESULT DispatchError(const VbError& error, EXCEPINFO* info);
 HRESULT VtableError(const VbError& error);
+// Runs `body`, the whole of a call from COM: nothing it throws crosses the
+// interface; errors answer as DispatchError (IDispatch) or VtableError.
+template <class F>
+HRESULT Guarded(EXCEPINFO* info, bool vtable, F&& body) {
+  try {
+    return body();
+  } catch (const VbError& e) {
+    return vtable ? VtableError(e) : DispatchError(e, info);
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (const std::exception& e) {
+    const VbError internal(51, e.what());
+    return vtable ? VtableError(internal) : DispatchError(internal, info);
+  }
+}
 // The error a failed call on a foreign object stands for.
 VbError ErrorOf(HRESULT hr, EXCEPINFO* info);
 

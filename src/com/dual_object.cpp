@@ -85,20 +85,6 @@ void StoreResult(VARIANT& value, const Slot& slot) {
   StoreScalar(value, slot.vt, slot.data, false);
 }
 
-template <class F>
-HRESULT Guarded(EXCEPINFO* info, bool vtable, F&& body) {
-  try {
-    return body();
-  } catch (const VbError& e) {
-    return vtable ? VtableError(e) : DispatchError(e, info);
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (const std::exception& e) {
-    const VbError internal(51, e.what());
-    return vtable ? VtableError(internal) : DispatchError(internal, info);
-  }
-}
-
 }  // namespace
 
 void BoxSink::Show(const Message& message) {
@@ -124,10 +110,10 @@ HRESULT DualCore::GetTypeInfo(UINT index, ITypeInfo** info) {
 
 HRESULT DualCore::GetIDsOfNames(LPOLESTR* names, UINT count, DISPID* ids) {
   for (UINT i = 0; i < count; ++i) ids[i] = DISPID_UNKNOWN;
-  const std::string name = vb::UCase(Narrow(names[0], wcslen(names[0])));
-  if (name == kBoxesName) ids[0] = kBoxesDispId;
+  const std::string name = Narrow(names[0], wcslen(names[0]));
+  if (vb::SameText(name, kBoxesName)) ids[0] = kBoxesDispId;
   for (size_t m = 0; m < c_.cls->members.size() && ids[0] == DISPID_UNKNOWN; ++m) {
-    if (vb::UCase(c_.cls->members[m].name) == name) ids[0] = ids_[m];
+    if (vb::SameText(c_.cls->members[m].name, name)) ids[0] = ids_[m];
   }
   return ids[0] == DISPID_UNKNOWN || count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
 }

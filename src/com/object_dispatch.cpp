@@ -70,7 +70,7 @@ HRESULT ObjectDispatch::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
   if (count != 1) return DISP_E_UNKNOWNNAME;  // named arguments are not supported
   const std::string name = Narrow(names[0], wcslen(names[0]));
   for (size_t n = 0; n < names_.size(); ++n) {
-    if (vb::UCase(names_[n]) == vb::UCase(name)) {
+    if (vb::SameText(names_[n], name)) {
       ids[0] = static_cast<DISPID>(n + 1);
       return S_OK;
     }
@@ -117,7 +117,7 @@ HRESULT ObjectDispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* 
                                VARIANT* result, EXCEPINFO* info, UINT*) {
   if (id < 0 || static_cast<size_t>(id) > names_.size()) return DISP_E_MEMBERNOTFOUND;
   const std::string name = id == DISPID_VALUE ? "" : names_[static_cast<size_t>(id) - 1];
-  try {
+  return Guarded(info, false, [&]() -> HRESULT {
     if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
       const VARIANT* value = nullptr;
       if (HRESULT hr = PutValue(*params, &value); FAILED(hr)) return hr;
@@ -144,13 +144,7 @@ HRESULT ObjectDispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* 
     }
     if (result) ToVariant(answer, context_, result);
     return S_OK;
-  } catch (const VbError& e) {
-    return DispatchError(e, info);
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (const std::exception& e) {
-    return DispatchError(VbError(51, e.what()), info);
-  }
+  });
 }
 
 }  // namespace zarvik::com

@@ -1,5 +1,7 @@
 #include "db/odbc_backend.h"
 
+#include "platform/vb_string.h"
+
 #ifdef _WIN32
 #include <windows.h>  // mingw's sql.h needs the Windows types first
 #endif
@@ -562,7 +564,7 @@ RowSet OdbcBackend::CallEmulated(const std::string& name, std::vector<ParameterI
     ParameterInfo input;
     input.value = Variant::Null();  // a name the call does not supply reads as NULL
     for (const ParameterInfo& param : params) {
-      if (TakesInput(param.direction) && odbc::SameName(WithoutAt(param.name), marker)) {
+      if (TakesInput(param.direction) && vb::SameText(WithoutAt(param.name), marker)) {
         input = param;
         break;
       }
@@ -581,7 +583,7 @@ RowSet OdbcBackend::CallEmulated(const std::string& name, std::vector<ParameterI
     param.value = Variant::Null();
     if (result.rows.empty()) continue;
     for (size_t i = 0; i < result.columns.size(); ++i) {
-      if (odbc::SameName(result.columns[i], WithoutAt(param.name))) {
+      if (vb::SameText(result.columns[i], WithoutAt(param.name))) {
         param.value = CoerceToParameterType(result.rows[0][i], param.type);
         break;
       }

@@ -288,6 +288,4 @@ std::string FormatDiagnostics(const std::vector<DiagRecord>& records, const std:
   return text;
 }
 
-bool SameName(const std::string& a, const std::string& b) { return Upper(a) == Upper(b); }
-
 }  // namespace zarvik::db::odbc

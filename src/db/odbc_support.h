@@ -94,10 +94,6 @@ struct DiagRecord {
 // left no record.
 std::string FormatDiagnostics(const std::vector<DiagRecord>& records, const std::string& fallback);
 
-// Names compare as SQL Server compares them by default: without regard to
-// ASCII case.
-bool SameName(const std::string& a, const std::string& b);
-
 }  // namespace zarvik::db::odbc
 
 #endif  // ZARVIK_DB_ODBC_SUPPORT_H_

@@ -8,7 +8,6 @@ namespace zarvik::vb {
 namespace {
 
 inline char AsciiLower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
-inline char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c; }
 
 // Offset of `find` in `text` at or after `from`, ignoring the case of ASCII
 // letters; std::string::npos when absent. Candidates for the first character

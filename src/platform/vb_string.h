@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace zarvik::vb {
 
@@ -34,7 +35,16 @@ std::string Trim(const std::string& text);
 std::string LTrim(const std::string& text);
 std::string RTrim(const std::string& text);
 // UCase / LCase of ASCII letters.
+inline char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c; }
 std::string UCase(const std::string& text);
+// UCase(a) = UCase(b) without copying either (most names differ in length).
+inline bool SameText(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (AsciiUpper(a[i]) != AsciiUpper(b[i])) return false;
+  }
+  return true;
+}
 std::string LCase(const std::string& text);
 // Replace(text, find, with) with binary compare, every occurrence.
 std::string Replace(const std::string& text, const std::string& find, const std::string& with);

@@ -52,8 +52,6 @@ TEST(OdbcSupportTest, ColumnAndParameterTypes) {
   }
   EXPECT_EQ(ParameterName("@GruppoPDC"), "@GruppoPDC");
   EXPECT_EQ(ParameterName("GruppoPDC"), "@GruppoPDC");
-  EXPECT_TRUE(SameName("canAbilitato", "CANABILITATO"));
-  EXPECT_FALSE(SameName("canAbilitato", "canAbilitat"));
 }
 
 TEST(OdbcSupportTest, CallEscapesNamesAndPatterns) {

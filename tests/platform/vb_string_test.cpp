@@ -96,6 +96,9 @@ TEST(TrimTest, RemovesSpacesOnly) {
 
 TEST(CaseTest, AsciiLettersOnly) {
   EXPECT_EQ(UCase("Select a_b FROM [x]@`{}caf\xC3\xA9"), "SELECT A_B FROM [X]@`{}CAF\xC3\xA9");
+  EXPECT_TRUE(SameText("canAbilitato", "CANABILITATO"));
+  EXPECT_FALSE(SameText("canAbilitato", "canAbilitat"));
+  EXPECT_FALSE(SameText("a[", "A{"));  // only letters fold
   EXPECT_EQ(LCase("Select A_B FROM [X]@`{}"), "select a_b from [x]@`{}");
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "parser/rewriter/prefix_set.h"
+#include "platform/vb_string.h"
 
 namespace zarvik::rewriter {
 namespace {
@@ -101,7 +102,7 @@ int16_t LastOrderByPos(const StatementText& text) {
     size_t k = at + 5;
     while (k < n && !IsWordChar(s[k])) ++k;  // \W+, greedy; BY starts with a word char
     if (k == at + 5 || k + 2 > n) continue;
-    if (!SameWord(s.substr(k, 2), "BY")) continue;
+    if (!vb::SameText(s.substr(k, 2), "BY")) continue;
     if (k + 2 < n && IsWordChar(s[k + 2])) continue;  // \b after BY
     last = static_cast<size_t>(found);
     from = k + 3;  // matches do not overlap: go on after BY
@@ -211,7 +212,7 @@ std::string FirstTableAlias(const StatementText& statement, int16_t from_pos, in
   const std::string_view word = WordAt(statement, p);
   for (const char* keyword :
        {"RIGHT", "LEFT", "INNER", "OUTER", "JOIN", ",", "WITH", "WITH(NOLOCK)"}) {
-    if (SameWord(word, keyword)) return std::string();
+    if (vb::SameText(word, keyword)) return std::string();
   }
   return std::string(word) + ".";
 }
@@ -281,8 +282,8 @@ std::vector<JoinedTable> ReadJoins(const StatementText& statement, int16_t join_
         int16_t p = SkipToBlank(statement, Pos16(join_pos + 4));
         p = SkipBlanks(statement, p);
         const std::string_view word = WordAt(statement, p);
-        const bool no_alias =
-            SameWord(word, "ON") || SameWord(word, "WITH") || SameWord(word, "WITH(NOLOCK)");
+        const bool no_alias = vb::SameText(word, "ON") || vb::SameText(word, "WITH") ||
+                              vb::SameText(word, "WITH(NOLOCK)");
         // Deliberate: after a duplicate this rewrites the alias of the
         // previous join with the duplicate's.
         joins.back().alias = no_alias ? std::string() : std::string(word) + ".";

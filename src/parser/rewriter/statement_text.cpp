@@ -5,6 +5,7 @@
 
 #include "parser/rewriter/keyword_search.h"
 #include "platform/vb_error.h"
+#include "platform/vb_string.h"
 
 namespace zarvik::rewriter {
 namespace {
@@ -32,7 +33,7 @@ std::string UpperAscii(const std::string& text) {
     block ^= lower >> 2;
     std::memcpy(p + i, &block, 8);
   }
-  for (; i < n; ++i) p[i] = AsciiUpper(p[i]);
+  for (; i < n; ++i) p[i] = vb::AsciiUpper(p[i]);
   return upper;
 }
 

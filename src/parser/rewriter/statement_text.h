@@ -28,17 +28,6 @@ namespace zarvik::rewriter {
 // A scanner position or count: raises Overflow (6) outside -32768..32767.
 int16_t Pos16(int32_t value);
 
-inline char AsciiUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c; }
-
-// Case-insensitive comparison of two ASCII words.
-inline bool SameWord(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (AsciiUpper(a[i]) != AsciiUpper(b[i])) return false;
-  }
-  return true;
-}
-
 class StatementText {
  public:
   // Takes the text over; `text` is left as it was if the copy cannot be
