@@ -87,7 +87,7 @@ Variant InvokeMember(const MemberDescription& member, void* instance, std::vecto
     if (i >= args.size() || args[i].missing) {
       if (!p.optional) {
         if (i >= args.size()) throw VbError(vberr::kWrongArgCount);
-        throw VbError(kArgumentNotOptional, "Argument not optional");
+        throw VbError(kArgumentNotOptional);
       }
       if (p.default_value) {
         values[i] = *p.default_value;

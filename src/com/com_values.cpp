@@ -373,7 +373,7 @@ VbError ErrorOf(HRESULT hr, EXCEPINFO* info) {
     case DISP_E_BADPARAMCOUNT:
       return VbError(vberr::kWrongArgCount);
     case DISP_E_PARAMNOTOPTIONAL:
-      return VbError(automation::kArgumentNotOptional, "Argument not optional");
+      return VbError(automation::kArgumentNotOptional);
     case DISP_E_TYPEMISMATCH:
       return VbError(vberr::kTypeMismatch);
     case DISP_E_OVERFLOW:

@@ -26,6 +26,19 @@ FrameSettings FiltroQueryFrameSettings() {
   return s;
 }
 
+std::shared_ptr<db::Connection> NewOwnConnection(const Env& env,
+                                                 const std::shared_ptr<db::StatementLog>& log,
+                                                 const std::string& connection_string) {
+  auto connection = db::NewConnection(env.data_access);
+  if (log) connection->SetStatementLog(log);
+  connection->SetCommandTimeout(100);
+  connection->SetConnectionString(connection_string);
+  connection->SetConnectionTimeout(100);
+  connection->SetIsolationLevel(db::kXactReadCommitted);
+  connection->SetCursorLocation(db::kUseClient);
+  return connection;
+}
+
 RevocationFrame::RevocationFrame(FrameSettings settings, Env env)
     : settings_(std::move(settings)), env_(std::move(env)) {
   if (!env_.sink) env_.sink = DefaultMessageSink();
@@ -99,14 +112,8 @@ bool RevocationFrame::OpenConnection() {
         unavailable = true;
         return;
       }
-      auto connection = db::NewConnection(env_.data_access);
+      auto connection = NewOwnConnection(env_, statement_log_, ctx.ConnectionStringADO);
       ctx.ConnectionADO = connection;
-      if (statement_log_) connection->SetStatementLog(statement_log_);
-      connection->SetCommandTimeout(100);
-      connection->SetConnectionString(ctx.ConnectionStringADO);
-      connection->SetConnectionTimeout(100);
-      connection->SetIsolationLevel(db::kXactReadCommitted);
-      connection->SetCursorLocation(db::kUseClient);
       connection->Open("", "", -1);
       connection_owned_ = true;
       return;

@@ -66,6 +66,13 @@ FrameSettings ParserFrameSettings();
 // only active users are found, the lookup fails silently.
 FrameSettings FiltroQueryFrameSettings();
 
+// A connection the component opens for itself, not yet open: the statement
+// log, then CommandTimeout 100, the connection string, ConnectionTimeout 100,
+// read committed and client cursors, in the order the host's ADO sees them.
+std::shared_ptr<db::Connection> NewOwnConnection(const Env& env,
+                                                 const std::shared_ptr<db::StatementLog>& log,
+                                                 const std::string& connection_string);
+
 class RevocationFrame {
  public:
   explicit RevocationFrame(FrameSettings settings, Env env = DefaultEnv());

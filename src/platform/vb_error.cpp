@@ -30,6 +30,8 @@ std::string VbErrorText(int32_t number) {
       return "ActiveX component can't create object";
     case 438:
       return "Object doesn't support this property or method";
+    case 449:
+      return "Argument not optional";
     case 450:
       return "Wrong number of arguments or invalid property assignment";
     case 3001:

@@ -47,13 +47,7 @@ Variant CLSFW_RVKUSERS::Today() const {
 
 bool CLSFW_RVKUSERS::OpenConnection() {
   if (connection_string_.empty()) return true;
-  auto connection = db::NewConnection(env_.data_access);
-  if (statement_log_) connection->SetStatementLog(statement_log_);
-  connection->SetCommandTimeout(100);
-  connection->SetConnectionString(connection_string_);
-  connection->SetConnectionTimeout(100);
-  connection->SetIsolationLevel(db::kXactReadCommitted);
-  connection->SetCursorLocation(db::kUseClient);
+  auto connection = NewOwnConnection(env_, statement_log_, connection_string_);
   connection->Open();
   connection_ = std::move(connection);
   connection_owned_ = true;
