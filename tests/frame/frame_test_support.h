@@ -20,6 +20,15 @@ struct RecordingEnv {
   Env env{sink, std::make_shared<SystemClock>()};
 };
 
+// The recorded boxes, each as "text|title|style\n".
+inline std::string BoxLines(const RecordingMessageSink& sink) {
+  std::string lines;
+  for (const Message& m : sink.messages) {
+    lines += m.text + "|" + m.title + "|" + std::to_string(m.style) + "\n";
+  }
+  return lines;
+}
+
 // A demo database file that lives as long as the object.
 class DemoDatabaseFile {
  public:

@@ -24,6 +24,7 @@ struct HostParts {
   std::shared_ptr<HostObject> company = std::make_shared<HostObject>("Ditta");
   std::shared_ptr<HostObject> user = std::make_shared<HostObject>("Utente");
   std::shared_ptr<db::Connection> connection = std::make_shared<db::Connection>();
+  std::shared_ptr<db::Connection> frames_own;  // the frame's connection before the binding
 
   HostParts() {
     company->Set("CodDitta", Variant(int32_t{2}));
@@ -35,6 +36,12 @@ struct HostParts {
     app->Set("ClsGlobal", Variant(ObjectRef(global)))
         .Set("Connection", Variant(ObjectRef(connection)));
   }
+};
+
+// A host object whose every member read fails with an error of its own.
+struct FailingObject : Object {
+  std::string TypeName() const override { return "Failing"; }
+  Variant GetProperty(const std::string&) override { throw VbError(vberr::kProviderError, "x"); }
 };
 
 // What the binding left in the frame: DittaCorrente with its type, the user
@@ -72,6 +79,15 @@ TEST(HostBinding, FillsWhatTheHostHas) {
          p.app->Set("Connection", Variant(ObjectRef(std::make_shared<HostObject>())));
        },
        "Long 2 5 ROSSI VEN none"},
+      {"members that fail when read",
+       [](HostParts& p) {
+         p.app->Set("ClsGlobal", Variant(ObjectRef(std::make_shared<FailingObject>())));
+         p.app->Set("Connection", Variant(ObjectRef(std::make_shared<FailingObject>())));
+       },
+       "D0 77 PRIMA GRP none"},
+      {"a connection of the frame's own is kept",
+       [](HostParts& p) { p.frames_own = std::make_shared<db::Connection>(); },
+       "Long 2 5 ROSSI VEN other"},
       {"member names ignore case",
        [](HostParts& p) {
          p.app->Remove("ClsGlobal");
@@ -89,6 +105,7 @@ TEST(HostBinding, FillsWhatTheHostHas) {
     frame.ctx.CodiceUtente = "PRIMA";
     frame.ctx.CodiceGruppo = "GRP";
     frame.ctx.DittaCorrente = Variant("D0");
+    frame.ctx.ConnectionADO = parts.frames_own;
     frame.SetActiveInterface(parts.app);
     EXPECT_EQ(Bound(frame, parts), bound) << name;
     EXPECT_TRUE(rec.sink->messages.empty());  // nothing surfaces, nothing is resolved
@@ -96,43 +113,16 @@ TEST(HostBinding, FillsWhatTheHostHas) {
   }
 }
 
-// The connection is taken only while ConnectionADO is Nothing.
-TEST(HostBinding, LaterBindingsKeepWhatTheFirstTook) {
+TEST(HostBinding, UnbindingKeepsWhatTheBindingFilled) {
   HostParts parts;
-  RevocationFrame mine(ParserFrameSettings(), testing::RecordingEnv().env);
-  auto own = std::make_shared<db::Connection>();
-  mine.ctx.ConnectionADO = own;
-  mine.SetActiveInterface(parts.app);
-  EXPECT_EQ(mine.ctx.ConnectionADO, own);
-
   RevocationFrame frame(ParserFrameSettings(), testing::RecordingEnv().env);
   frame.SetActiveInterface(parts.app);
-  HostParts second;
-  frame.SetActiveInterface(second.app);
-  EXPECT_EQ(frame.ctx.ConnectionADO, parts.connection);
   frame.ctx.CodiceUtente = "BIANCHI";
   frame.SetActiveInterface(nullptr);
   EXPECT_EQ(frame.ActiveInterface(), nullptr);
   EXPECT_EQ(frame.ctx.CodiceUtente, "BIANCHI");
   EXPECT_EQ(frame.UserId(), 5);
   EXPECT_EQ(frame.ctx.ConnectionADO, parts.connection);
-}
-
-TEST(HostBinding, AMemberThatFailsWhenReadIsSkipped) {
-  // A host object whose every member read fails with an error of its own.
-  class FailingObject : public Object {
-   public:
-    std::string TypeName() const override { return "Failing"; }
-    Variant GetProperty(const std::string&) override { throw VbError(vberr::kProviderError, "x"); }
-  };
-  RevocationFrame frame(ParserFrameSettings(), testing::RecordingEnv().env);
-  frame.ctx.CodiceUtente = "ROSSI";
-  auto app =
-      MakeHostObject({{"ClsGlobal", Variant(ObjectRef(std::make_shared<FailingObject>()))},
-                      {"Connection", Variant(ObjectRef(std::make_shared<FailingObject>()))}});
-  frame.SetActiveInterface(app);
-  EXPECT_EQ(frame.ctx.CodiceUtente, "ROSSI");
-  EXPECT_EQ(frame.ctx.ConnectionADO, nullptr);
 }
 
 }  // namespace

@@ -91,12 +91,9 @@ TEST(OpenConnection, ClosedHostConnectionAndBadString) {
     bad_frame.ctx.ConnectionStringADO = bad;
     EXPECT_FALSE(bad_frame.OpenConnection());
     EXPECT_FALSE(bad_frame.ConnectionOwned());
-    ASSERT_EQ(rec.sink->messages.size(), 1u);
-    const Message& box = rec.sink->messages[0];
-    EXPECT_EQ(box.text, std::to_string(e.Number()) + " - " + e.Description() +
-                            "\r\nin ZARVIK: " + settings.class_name + " - OpenConnection");
-    EXPECT_EQ(box.title, "");
-    EXPECT_EQ(box.style, msgstyle::kOkOnly);
+    EXPECT_EQ(testing::BoxLines(*rec.sink), std::to_string(e.Number()) + " - " + e.Description() +
+                                                "\r\nin ZARVIK: " + settings.class_name +
+                                                " - OpenConnection||0\n");
   }
 }
 
@@ -244,13 +241,10 @@ TEST(Reporter, TrapReportsTheExactTextAndKeepsThePartialResult) {
   RevocationFrame filter(FiltroQueryFrameSettings(), rec.env);
   filter.Report(-2147217900, "Incorrect syntax near 'X'.", "FiltroCondizione");
   EXPECT_FALSE(RevocationFrame::TrapSilently([] { throw VbError(5); }));
-  ASSERT_EQ(rec.sink->messages.size(), 3u);
-  EXPECT_EQ(rec.sink->messages[0].text,
-            "13 - " + VbErrorText(13) + "\r\nin ZARVIK: CLSFW_PARSER - SQLConditionCliFor");
-  EXPECT_EQ(rec.sink->messages[1].text, "51 - boom\r\nin ZARVIK: CLSFW_PARSER - Other");
-  EXPECT_EQ(rec.sink->messages[2].text,
-            "-2147217900 - Incorrect syntax near 'X'.\r\nin ZARVIK: CLSFW_FILTROQUERY - "
-            "FiltroCondizione");
+  EXPECT_EQ(testing::BoxLines(*rec.sink),
+            "13 - " + VbErrorText(13) + "\r\nin ZARVIK: CLSFW_PARSER - SQLConditionCliFor||0\n" +
+                "51 - boom\r\nin ZARVIK: CLSFW_PARSER - Other||0\n-2147217900 - Incorrect syntax "
+                "near 'X'.\r\nin ZARVIK: CLSFW_FILTROQUERY - FiltroCondizione||0\n");
 }
 
 // The parser closes only a connection it opened; the query filter none.
