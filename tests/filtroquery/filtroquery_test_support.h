@@ -1,6 +1,4 @@
-// Shared set-up of the query-filter tests: a CLSFW_FILTROQUERY working as
-// one demo user on a private in-memory demo database, with its message
-// boxes and statements recorded.
+// A CLSFW_FILTROQUERY as one demo user on its own demo database, boxes and statements recorded.
 #ifndef ZARVIK_TESTS_FILTROQUERY_FILTROQUERY_TEST_SUPPORT_H_
 #define ZARVIK_TESTS_FILTROQUERY_FILTROQUERY_TEST_SUPPORT_H_
 
@@ -38,15 +36,14 @@ class FilterOnDemo {
     filter->SetDittaAgente(company);
   }
 
-  // Runs a statement of the test's own set-up (not recorded).
+  // A statement of the test's own set-up (not recorded).
   void Setup(const std::string& sql) {
     db->SetStatementLog(nullptr);
     db->Execute(sql, db::kCmdText);
     db->SetStatementLog(log);
   }
 
-  // FiltroCondizione for one field; the statements it sends replace the
-  // log's content.
+  // FiltroCondizione for one field; Sent() then holds what it sent.
   void Filter(const Variant& data_field, const std::optional<Variant>& report_field = std::nullopt,
               int32_t kind = 0) {
     log->statements.clear();
@@ -57,23 +54,23 @@ class FilterOnDemo {
   std::string Report() const { return filter->CondRevokeCrystal(); }
   const std::vector<std::string>& Sent() const { return log->statements; }
   const std::vector<Message>& Boxes() const { return rec.sink->messages; }
+  // "SQL form|report form|" and the tag of each box (what follows the class
+  // name), each followed by a blank.
+  std::string Outcome() const {
+    std::string text = Sql() + "|" + Report() + "|";
+    const std::string marker = "in ZARVIK: CLSFW_FILTROQUERY - ";
+    for (const Message& box : Boxes()) {
+      const size_t at = box.text.find(marker);
+      text += (at == std::string::npos ? box.text : box.text.substr(at + marker.size())) + " ";
+    }
+    return text;
+  }
 
   RecordingEnv rec;
   std::shared_ptr<db::Connection> db;
   std::shared_ptr<db::StatementLog> log;
   std::unique_ptr<CLSFW_FILTROQUERY> filter;
 };
-
-// The tags of the recorded boxes (the text after "CLSFW_FILTROQUERY - ").
-inline std::vector<std::string> BoxTags(const std::vector<Message>& boxes) {
-  std::vector<std::string> tags;
-  const std::string marker = "in ZARVIK: CLSFW_FILTROQUERY - ";
-  for (const Message& box : boxes) {
-    const size_t at = box.text.find(marker);
-    tags.push_back(at == std::string::npos ? box.text : box.text.substr(at + marker.size()));
-  }
-  return tags;
-}
 
 }  // namespace zarvik::testing
 
