@@ -1,5 +1,4 @@
-// The zarvik command in-process: `rewrite` (options, exit codes, where the
-// message boxes go), `demo` (the whole tour) and the text layout they use.
+// The zarvik command in-process: `rewrite`, `demo` and the text layout they use.
 #include "cli/cli.h"
 
 #include <gtest/gtest.h>
@@ -44,8 +43,7 @@ TEST(RewriteCommand, RewritesForTheUserOfTheGivenDatabase) {
     std::string out;  // a piece of the output
     std::string err;  // a piece of the error output ("": none at all)
   } cases[] = {
-      // The group defaults to the user's own (VEN for ROSSI, id 5); another
-      // group finds nobody (id 0).
+      // The group defaults to the user's own; in another one ROSSI is nobody (id 0).
       {{"--user", "ROSSI", kStatement}, "VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5 ", ""},
       {{"--user", "ROSSI", "--group", "AMM", kStatement}, "FW31_ID_FW07 = 0 ", ""},
       {{"--user", "ZentAd", kStatement}, std::string(kStatement) + "\n", ""},
