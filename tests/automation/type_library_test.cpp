@@ -12,8 +12,7 @@
 namespace zarvik::automation {
 namespace {
 
-// Every member is bound to a call, and every enum or record a member names
-// is declared in the library.
+// Every member is bound to a call; every enum or record it names is declared.
 TEST(TypeLibrary, EveryMemberIsBoundAndItsTypesDeclared) {
   const TypeLibrary library = BuildTypeLibrary();
   std::set<std::string> names;
@@ -59,8 +58,7 @@ TEST(TypeLibrary, IdlText) {
   EXPECT_EQ(idl.substr(idl.size() - 3), "};\n");
 }
 
-// Property get, let and set of one name share a DISPID; names are numbered
-// in order of first appearance.
+// Get, let and set of one name share a DISPID, numbered in order of first appearance.
 TEST(TypeLibrary, DispIdsAndThunks) {
   const TypeLibrary library = BuildTypeLibrary();
   const ClassDescription& parser = *library.FindClass("CLSFW_PARSER");

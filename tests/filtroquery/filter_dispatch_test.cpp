@@ -27,8 +27,7 @@ TEST(ClassifyDataField, PicksTheBuilderByNameAndKind) {
       {K::kCustomers, tsCliente, {"CG44_CLIFOR", "do11_clifor_cg44"}},
       {K::kSuppliers, tsFornitore, {"CG44_CLIFOR"}},
       {K::kNone, tsGenerico, {"CG44_CLIFOR", "MG07_CLIFOR"}},
-      // Table prefixes (exact case, any kind), or the same codes at the end;
-      // a prefix that matches wins over a suffix that would.
+      // Table prefixes (exact case, any kind) win over the same codes at the end.
       {K::kMacroArea, tsCliente, {"MG07_MACROAREA", "CG44_MACROAREA_MG07", "MG07_X_MG17"}},
       {K::kMiddleArea, 0, {"MG08_AREA"}},
       {K::kArea, 0, {"MG09_ZONA"}},

@@ -39,8 +39,7 @@ TEST(AreaLists, FilterOfEachLevelAndTheStatementAsSent) {
 }
 
 TEST(AreaLists, RossiInCompanyOneNothingInTheOtherAndAFailingQuery) {
-  // The lists ignore the customer/supplier kind (area SU is a supplier's) and
-  // FW32_CODRAGG (ROSSI's groupings 1 and 2).
+  // The lists ignore the kind (SU is a supplier's) and FW32_CODRAGG (groupings 1, 2).
   const std::optional<Variant> f = Variant("{F}");
   const struct {
     const char* field;
@@ -180,13 +179,11 @@ TEST(CliForStatements, ExactTextsWithAndWithoutAgent) {
   EXPECT_EQ(CliForNONrevocatiStatement(0, 5, Variant(int32_t{12})),
             head + "0 AND NOT EXISTS " + kExistsForUser5 + "  AND" + agents +
                 "MG1C_IDAGENTE_MG17 = '12')");
-  // The hidden customers of an agent name another column and close once
-  // more than they open.
+  // An agent's hidden customers: another column, one parenthesis closed too many.
   EXPECT_EQ(CliForRevocatiStatement(0, 5, Variant("21")),
             head + "0 AND (EXISTS " + kExistsForUser5 + "  OR NOT" + agents +
                 "MG1C_AGENTE_IDMG17 = '21') ) )");
-  // Suppliers, and customers without an agent (blank in any form), get no
-  // agent clause.
+  // Suppliers, and customers without an agent (blank in any form): no agent clause.
   EXPECT_EQ(CliForNONrevocatiStatement(1, 5, Variant(int32_t{12})),
             head + "1 AND NOT EXISTS " + kExistsForUser5 + " ");
   EXPECT_EQ(CliForRevocatiStatement(1, 5, Variant(int32_t{12})),

@@ -1,5 +1,4 @@
-// Binding the host's application object: which members fill which field;
-// a member the host lacks (or a failing one) fills nothing, raises nothing.
+// Binding the host's application object: which members fill which field.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -44,8 +43,7 @@ struct FailingObject : Object {
   Variant GetProperty(const std::string&) override { throw VbError(vberr::kProviderError, "x"); }
 };
 
-// What the binding left in the frame: DittaCorrente with its type, the user
-// id, CodiceUtente, CodiceGruppo, and whether it took the host's connection.
+// DittaCorrente (with its type), user id, user code, group, whose connection.
 std::string Bound(const RevocationFrame& f, const HostParts& p) {
   const Variant& d = f.ctx.DittaCorrente;
   const char* type = d.Type() == VarType::kLong     ? "Long "

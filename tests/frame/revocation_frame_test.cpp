@@ -37,35 +37,7 @@ struct FrameOnDemo {
   RevocationFrame frame;
 };
 
-TEST(OpenConnection, OpensItsOwnConnectionWithTheFixedProperties) {
-  const DemoDatabaseFile file("frame_open");
-  RecordingEnv rec;
-  auto log = std::make_shared<db::StatementLog>();
-  RevocationFrame frame(ParserFrameSettings(), rec.env);
-  frame.SetStatementLog(log);
-  frame.ctx.ConnectionStringADO = file.ConnectionString();
-  EXPECT_FALSE(frame.OpenConnection());
-  ASSERT_NE(frame.ctx.ConnectionADO, nullptr);
-  const db::Connection& c = *frame.ctx.ConnectionADO;
-  EXPECT_EQ(std::vector<long>({c.State(), c.CommandTimeout(), c.ConnectionTimeout(),
-                               c.IsolationLevel(), c.CursorLocation()}),
-            std::vector<long>({db::kStateOpen, 100, 100, 4096, db::kUseClient}));
-  EXPECT_TRUE(frame.ConnectionOwned());
-  EXPECT_TRUE(rec.sink->messages.empty());
-  // The statements on the connection it opened reach the frame's log.
-  frame.ctx.CodiceUtente = "ROSSI";
-  frame.ctx.CodiceGruppo = "VEN";
-  frame.ResolveUser();
-  EXPECT_EQ(log->statements, std::vector<std::string>{frame.ResolveUserStatement()});
-  EXPECT_EQ(frame.UserId(), demo::user_id::kRossi);
-  // A second call keeps the connection.
-  auto first = frame.ctx.ConnectionADO;
-  EXPECT_FALSE(frame.OpenConnection());
-  EXPECT_EQ(frame.ctx.ConnectionADO, first);
-}
-
-// A closed connection the host handed in is never reopened (the query
-// filter counts it as available all same); a bad string is reported.
+// A closed host connection is never reopened (the query filter counts it as available).
 TEST(OpenConnection, ClosedHostConnectionAndBadString) {
   const DemoDatabaseFile file("frame_closed");
   auto host_connection = std::make_shared<db::Connection>();
@@ -202,8 +174,7 @@ TEST(Guard, StepsInOrder) {
   }
 }
 
-// Nz gives the default for Empty, Null, blank text and what has no text;
-// the guard makes such an agent an Integer 0.
+// Nz and IsBlank; the guard makes a blank agent an Integer 0.
 TEST(Blanks, NzIsBlankAndTheAgent) {
   const Variant def("dflt");
   const std::vector<std::pair<Variant, bool>> cases = {
@@ -247,19 +218,36 @@ TEST(Reporter, TrapReportsTheExactTextAndKeepsThePartialResult) {
                 "near 'X'.\r\nin ZARVIK: CLSFW_FILTROQUERY - FiltroCondizione||0\n");
 }
 
-// The parser closes only a connection it opened; the query filter none.
+// A connection of its own: the fixed properties, the frame's log, kept by a
+// second call; the parser closes it at the end, the query filter does not.
 template <class Class>
-void CheckTermination(bool closes_own) {
-  const DemoDatabaseFile file("frame_end");
+void CheckOwnConnection(bool closes_own) {
+  const DemoDatabaseFile file("frame_own");
   std::shared_ptr<db::Connection> owned;
   auto app = MakeHostObject();
+  RecordingEnv rec;
+  auto log = std::make_shared<db::StatementLog>();
   {
-    Class object(RecordingEnv().env);
+    Class object(rec.env);
+    RevocationFrame& frame = object.Frame();
+    frame.SetStatementLog(log);
     object.SetConnectionStringADO(file.ConnectionString());
-    ASSERT_FALSE(object.Frame().OpenConnection());
+    ASSERT_FALSE(frame.OpenConnection());
     owned = object.ConnectionADO();
+    const db::Connection& c = *owned;
+    EXPECT_EQ(std::vector<long>({c.State(), c.CommandTimeout(), c.ConnectionTimeout(),
+                                 c.IsolationLevel(), c.CursorLocation(), frame.ConnectionOwned()}),
+              std::vector<long>({db::kStateOpen, 100, 100, 4096, db::kUseClient, 1}));
+    frame.ctx.CodiceUtente = "ROSSI";
+    frame.ctx.CodiceGruppo = "VEN";
+    frame.ResolveUser();
+    EXPECT_EQ(log->statements, std::vector<std::string>{frame.ResolveUserStatement()});
+    EXPECT_EQ(frame.UserId(), demo::user_id::kRossi);
+    EXPECT_FALSE(frame.OpenConnection());
+    EXPECT_EQ(object.ConnectionADO(), owned);
     object.SetActiveInterface(app);
   }
+  EXPECT_TRUE(rec.sink->messages.empty());
   EXPECT_EQ(owned->State(), closes_own ? db::kStateClosed : db::kStateOpen);
   EXPECT_EQ(app.use_count(), 1);  // the binding was dropped
   auto host = demo::OpenDemoDatabase(":memory:");
@@ -267,9 +255,9 @@ void CheckTermination(bool closes_own) {
   EXPECT_EQ(host->State(), db::kStateOpen);
 }
 
-TEST(Termination, ParserClosesOnlyTheConnectionItOpened) {
-  CheckTermination<CLSFW_PARSER>(true);
-  CheckTermination<CLSFW_FILTROQUERY>(false);
+TEST(OwnConnection, OpenedWithFixedPropertiesAndClosedOnlyByTheParser) {
+  CheckOwnConnection<CLSFW_PARSER>(true);
+  CheckOwnConnection<CLSFW_FILTROQUERY>(false);
 }
 
 }  // namespace

@@ -49,8 +49,7 @@ struct LoginResult {
   bool Logged() const { return !One(" INSERT INTO FW33_RVKUSER ").empty(); }
 };
 
-// A CLSFW_RVKUSERS on a private demo database whose statements are logged,
-// with the component's clock and the server's [dbo].[KVL_GETDATE]() fixed.
+// On a private demo database, statements logged, both clocks fixed.
 class RvkUsersOnDemo {
  public:
   explicit RvkUsersOnDemo(int16_t max_num_try = 0) {
@@ -163,8 +162,7 @@ TEST(LoginRvk, NothingIsWrittenForAnUnknownLoginOutcome3OrAnIdAbove32767) {
   const LoginResult r = fresh.Login("lbruno", 3);
   EXPECT_EQ(r.risultato * 10 + r.status, 30 + NoRevoke);
   EXPECT_EQ(r.sent, Strings{kLookupBruno});
-  // The id is 32-bit everywhere but in the log call: the count still runs
-  // (and finds nothing).
+  // An id above 32767 is not logged; the count still runs (and finds nothing).
   t.rvk.SetMaxNumTry(3);
   const LoginResult high = t.Login("esterno", 1);
   EXPECT_FALSE(high.Logged());
@@ -215,8 +213,7 @@ TEST(LoginRvk, PrivilegedLoginIsLoggedButNeverCounted) {
 
 TEST(LoginRvk, FailuresOfTheDayLockAtMaxNumTryAndOnlyOutcome1IsCounted) {
   RvkUsersOnDemo t(3);
-  // BRUNO failed twice on the 4th; those do not count on the 5th. Outcome
-  // 0 sends no count; any other outcome counts the failures (outcome 1).
+  // BRUNO's two failures of the 4th do not count on the 5th; outcome 0 sends no count.
   const struct {
     int16_t outcome;
     bool counted;
@@ -242,8 +239,7 @@ TEST(LoginRvk, FailuresOfTheDayLockAtMaxNumTryAndOnlyOutcome1IsCounted) {
     EXPECT_EQ(t.Locked(uid::kBruno), s.status == RevokeVantor ? "1" : "0");
   }
   EXPECT_EQ(t.OutcomesToday(uid::kBruno), "1 0 5 1 -1 1 2");
-  // MaxNumTry starts at 0 and any count is >= 0: even an outcome that is
-  // not itself a failure locks.
+  // MaxNumTry starts at 0: even an outcome that is not a failure locks.
   RvkUsersOnDemo fresh;
   EXPECT_EQ(fresh.rvk.MaxNumTry(), 0);
   EXPECT_EQ(fresh.Login("lbianchi", 4).status, RevokeVantor);
