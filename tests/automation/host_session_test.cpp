@@ -207,11 +207,7 @@ TEST_F(HostSessionTest, StatementsAndRecordsetsOfAConnection) {
 
 TEST_F(HostSessionTest, RequestsTheBoundaryCannotServe) {
   const int64_t parser = New("CLSFW_PARSER");
-  struct Case {
-    std::string line;
-    int number;  // 0: no number in the answer
-  };
-  const std::vector<Case> cases = {
+  const std::vector<std::pair<std::string, int>> cases = {  // request, error number (0: none)
       {"{not json", 0},
       {"", 0},
       {"[1,2]", 0},
@@ -229,15 +225,11 @@ TEST_F(HostSessionTest, RequestsTheBoundaryCannotServe) {
       {R"({"op":"put","id":1,"name":"IdUser","value":3000000000})", 6},
   };
   ASSERT_EQ(parser, 1);
-  for (const Case& c : cases) {
-    const Json a = Send(c.line);
-    EXPECT_EQ(a["ok"], false) << c.line;
-    EXPECT_TRUE(a["error"].is_string() && !a["error"].get<std::string>().empty()) << c.line;
-    if (c.number != 0) {
-      EXPECT_EQ(a["number"], c.number) << c.line;
-    } else {
-      EXPECT_FALSE(a.contains("number")) << c.line;
-    }
+  for (const auto& [line, number] : cases) {
+    const Json a = Send(line);
+    EXPECT_EQ(a["ok"], false) << line;
+    EXPECT_TRUE(a["error"].is_string() && !a["error"].get<std::string>().empty()) << line;
+    EXPECT_EQ(a.value("number", 0), number) << line;
   }
   // The session goes on.
   EXPECT_EQ(Get(parser, "CodiceUtente")["value"], "");

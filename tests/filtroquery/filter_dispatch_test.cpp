@@ -90,21 +90,6 @@ TEST(FiltroCondizione, EachCallDescribesOnlyItsOwnField) {
   EXPECT_EQ(f.Sql() + f.Report(), "");
 }
 
-// The filter looks the user up once, silently, and reads user 0's lists without one.
-TEST(FiltroCondizione, LooksTheUserUpOnceAndSilently) {
-  FilterOnDemo f;
-  f.filter->SetCodiceGruppo("VEN'");  // the lookup statement breaks
-  f.Filter("MG07_MACROAREA");
-  EXPECT_EQ(f.Outcome(), "||");  // user id 0 has nothing revoked
-  EXPECT_NE(f.Sent().back().find("WHERE FW32_ID_FW07 = 0 "), std::string::npos);
-  f.filter->SetCodiceGruppo("VEN");
-  f.Filter("MG07_MACROAREA");
-  EXPECT_EQ(f.Sent().front(), f.filter->Frame().ResolveUserStatement());
-  EXPECT_EQ(f.Sql(), "MG07_MACROAREA NOT IN (SUD')");
-  f.Filter("MG07_MACROAREA");
-  for (const std::string& s : f.Sent()) EXPECT_EQ(s.find("FW07_APPUSER"), std::string::npos) << s;
-}
-
 TEST(FiltroCondizione, NoConnectionAClosedOneAndUnusableFields) {
   FilterOnDemo f;
   f.filter->SetConnectionADO(nullptr);

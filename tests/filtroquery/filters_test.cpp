@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "filtroquery/area_lists.h"
@@ -15,6 +16,7 @@ namespace zarvik::filtroquery {
 namespace {
 
 using testing::FilterOnDemo;
+using Strings = std::vector<std::string>;
 
 TEST(AreaLists, FilterOfEachLevelAndTheStatementAsSent) {
   // Each after " AND FW32_TIPORAGG = ".
@@ -41,28 +43,23 @@ TEST(AreaLists, FilterOfEachLevelAndTheStatementAsSent) {
 TEST(AreaLists, RossiInCompanyOneNothingInTheOtherAndAFailingQuery) {
   // The lists ignore the kind (SU is a supplier's) and FW32_CODRAGG (groupings 1, 2).
   const std::optional<Variant> f = Variant("{F}");
-  const struct {
-    const char* field;
-    std::optional<Variant> report_field;
-    const char* sql;
-    const char* report;
-  } cases[] = {
-      {"MG07_MACROAREA", f, "MG07_MACROAREA NOT IN (SUD')", " (NOT ({F} IN [SUD]))"},
-      {"MG08_AREA", f, "MG08_AREA NOT IN (SU')", " (NOT ({F} IN [SU]))"},
-      {"CG44_ZONA_MG09", f, "CG44_ZONA_MG09 NOT IN (TO')", " (NOT ({F} IN [TO]))"},
-      {"MG31_CODRAGGRCF1", f, "", ""},
-      {"MG32_CODRAGGRCF2", f, "", ""},
-      {"MG33_CODRAGGRCF3", f, "MG33_CODRAGGRCF3 NOT IN (X2')", " (NOT ({F} IN [X2]))"},
+  const std::tuple<const char*, std::optional<Variant>, const char*> cases[] = {
+      {"MG07_MACROAREA", f, "MG07_MACROAREA NOT IN (SUD')| (NOT ({F} IN [SUD]))|"},
+      {"MG08_AREA", f, "MG08_AREA NOT IN (SU')| (NOT ({F} IN [SU]))|"},
+      {"CG44_ZONA_MG09", f, "CG44_ZONA_MG09 NOT IN (TO')| (NOT ({F} IN [TO]))|"},
+      {"MG31_CODRAGGRCF1", f, "||"},
+      {"MG32_CODRAGGRCF2", f, "||"},
+      {"MG33_CODRAGGRCF3", f, "MG33_CODRAGGRCF3 NOT IN (X2')| (NOT ({F} IN [X2]))|"},
       // The report field omitted (the data field stands in) or blank.
-      {"MG07_MACROAREA", std::nullopt, "MG07_MACROAREA NOT IN (SUD')",
-       " (NOT (MG07_MACROAREA IN [SUD]))"},
-      {"MG07_MACROAREA", Variant("   "), "MG07_MACROAREA NOT IN (SUD')", ""},
-      {"MG07_MACROAREA", Variant::Null(), "MG07_MACROAREA NOT IN (SUD')", ""},
+      {"MG07_MACROAREA", std::nullopt,
+       "MG07_MACROAREA NOT IN (SUD')| (NOT (MG07_MACROAREA IN [SUD]))|"},
+      {"MG07_MACROAREA", Variant("   "), "MG07_MACROAREA NOT IN (SUD')||"},
+      {"MG07_MACROAREA", Variant::Null(), "MG07_MACROAREA NOT IN (SUD')||"},
   };
   FilterOnDemo fr;
-  for (const auto& c : cases) {
-    fr.Filter(c.field, c.report_field);
-    EXPECT_EQ(fr.Outcome(), std::string(c.sql) + "|" + c.report + "|") << c.field;
+  for (const auto& [field, report_field, outcome] : cases) {
+    fr.Filter(field, report_field);
+    EXPECT_EQ(fr.Outcome(), outcome) << field;
   }
   // Nothing revoked in the other company.
   fr.filter->SetDittaCorrente(Variant(int32_t{demo::kOtherCompany}));
@@ -95,36 +92,27 @@ TEST(AreaLists, SeveralCodesAsTheHostReceivesThemAndOnTheDemo) {
 
 TEST(CondAgente, AgentOfTheCurrentCompany) {
   // "AG12   " trimmed; a report field without braces is wrapped in them.
-  const struct {
-    const char* field;
-    std::optional<Variant> report;
-    const char* sql;
-    const char* report_form;
-  } cases[] = {
-      {"MG17_AGENTE", Variant("MG17.AGENTE"), "MG17_AGENTE = N'AG12' ",
-       " ({MG17.AGENTE} = \"AG12\")"},
-      {"MG17_AGENTE", Variant("Trim({A})"), "MG17_AGENTE = N'AG12' ", " (Trim({A}) = \"AG12\")"},
-      {"MG17_AGENTE", std::nullopt, "MG17_AGENTE = N'AG12' ", " ({MG17_AGENTE} = \"AG12\")"},
-      {"MG17_AGENTE", Variant(""), "MG17_AGENTE = N'AG12' ", ""},
-      {"MG17_AGENTE  ", Variant("@A"), "MG17_AGENTE   = N'AG12' ", " ({@A} = \"AG12\")"},
-      {"DO29_IDAGENTE_MG17", Variant("{A}"), "DO29_IDAGENTE_MG17 = N'AG12' ", " ({A} = \"AG12\")"},
+  const std::tuple<const char*, std::optional<Variant>, const char*> cases[] = {
+      {"MG17_AGENTE", Variant("MG17.AGENTE"),
+       "MG17_AGENTE = N'AG12' | ({MG17.AGENTE} = \"AG12\")|"},
+      {"MG17_AGENTE", Variant("Trim({A})"), "MG17_AGENTE = N'AG12' | (Trim({A}) = \"AG12\")|"},
+      {"MG17_AGENTE", std::nullopt, "MG17_AGENTE = N'AG12' | ({MG17_AGENTE} = \"AG12\")|"},
+      {"MG17_AGENTE", Variant(""), "MG17_AGENTE = N'AG12' ||"},
+      {"MG17_AGENTE  ", Variant("@A"), "MG17_AGENTE   = N'AG12' | ({@A} = \"AG12\")|"},
+      {"DO29_IDAGENTE_MG17", Variant("{A}"), "DO29_IDAGENTE_MG17 = N'AG12' | ({A} = \"AG12\")|"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [field, report_field, outcome] : cases) {
     FilterOnDemo f("GIALLI");
     f.ActAsAgent(Variant(int32_t{12}), Variant(int32_t{1}));
-    f.Filter(c.field, c.report);
-    EXPECT_EQ(f.Outcome(), std::string(c.sql) + "|" + c.report_form + "|") << c.field;
+    f.Filter(field, report_field);
+    EXPECT_EQ(f.Outcome(), outcome) << field;
     EXPECT_EQ(f.Sent().back(), "SELECT MG17_AGENTE FROM MG17_AGENTI WHERE MG17_IDAGENTE = '12'");
   }
 }
 
 TEST(CondAgente, NothingWithoutAnAgentThatApplies) {
-  const struct {
-    const char* name;
-    Variant agent;
-    Variant company;
-    bool looked_up;
-  } cases[] = {
+  const std::tuple<const char*, Variant, Variant, bool> cases[] = {
+      // agent, company, looked up
       {"no agent", Variant(), Variant(int32_t{1}), false},
       {"blank agent", Variant("  "), Variant(int32_t{1}), false},
       {"agent of another company", Variant(int32_t{21}), Variant(int32_t{2}), false},
@@ -132,14 +120,14 @@ TEST(CondAgente, NothingWithoutAnAgentThatApplies) {
       {"unknown agent", Variant(int32_t{99}), Variant(int32_t{1}), true},
       {"failing lookup", Variant("12'"), Variant(int32_t{1}), true},
   };
-  for (const auto& c : cases) {
+  for (const auto& [name, agent, company, looked_up] : cases) {
     FilterOnDemo f("GIALLI");
-    f.ActAsAgent(c.agent, c.company);
+    f.ActAsAgent(agent, company);
     f.Filter("MG17_AGENTE", Variant("{A}"));
-    EXPECT_EQ(f.Outcome(), "||") << c.name;
-    bool looked_up = false;
-    for (const std::string& s : f.Sent()) looked_up |= s.find("MG17_AGENTI") != std::string::npos;
-    EXPECT_EQ(looked_up, c.looked_up) << c.name;
+    EXPECT_EQ(f.Outcome(), "||") << name;
+    bool sent = false;
+    for (const std::string& s : f.Sent()) sent |= s.find("MG17_AGENTI") != std::string::npos;
+    EXPECT_EQ(sent, looked_up) << name;
   }
 }
 
@@ -312,40 +300,29 @@ TEST(ProjectStatements, TextsForOneUser) {
 
 TEST(Progetti, TheShorterOfTheRevokedAndTheAllowedListsInTheReportForm) {
   // ROSSI may not see P1 and P2 of company 1 (P1..P8; 11 projects in all).
+  // Projects added (P9 on), further revocations, report field and form, the list sent
+  // (nullptr: the probe only, for a blank report field).
   using List = std::string (*)(int32_t, const Variant&);
-  const struct {
-    int added;                         // P9 and on, to company 1
-    std::vector<std::string> revoked;  // further revocations of ROSSI
-    const char* report_field;
-    const char* report;
-    List list;  // the last statement sent (nullptr: the probe)
-  } cases[] = {
-      {89, {"P9"}, "R", " (NOT (R IN [\"P1\",\"P2\",\"P9\"]))", RevokedProjectsStatement},
-      {1,
-       {"P3", "P4", "P5", "P6"},
-       "{R}",
-       " ( ({R} IN [\"P7\",\"P8\",\"P9\"]))",  // 6 of 12
-       AllowedProjectsStatement},
-      {1,
-       {"P3", "P4", "P5"},
-       "R",
-       " (NOT (R IN [\"P1\",\"P2\",\"P3\",\"P4\",\"P5\"]))",
-       RevokedProjectsStatement},
-      {0, {"P3", "P4", "P5", "P6", "P7", "P8"}, "R", "", AllowedProjectsStatement},
-      {0, {}, " ", "", nullptr},  // a blank report field: no count, no list
+  const List revoked = RevokedProjectsStatement, allowed = AllowedProjectsStatement;
+  const std::tuple<int, Strings, const char*, const char*, List> cases[] = {
+      {89, {"P9"}, "R", " (NOT (R IN [\"P1\",\"P2\",\"P9\"]))", revoked},
+      {1, {"P3", "P4", "P5", "P6"}, "{R}", " ( ({R} IN [\"P7\",\"P8\",\"P9\"]))", allowed},
+      {1, {"P3", "P4", "P5"}, "R", " (NOT (R IN [\"P1\",\"P2\",\"P3\",\"P4\",\"P5\"]))", revoked},
+      {0, {"P3", "P4", "P5", "P6", "P7", "P8"}, "R", "", allowed},
+      {0, {}, " ", "", nullptr},
   };
   const Variant one(int32_t{1});
-  for (const auto& c : cases) {
+  for (const auto& [added, revocations, report_field, report, list] : cases) {
     FilterOnDemo f;
-    AddProjects(f, 9, 8 + c.added);
-    RevokeForRossi(f, c.revoked);
-    f.Filter("PD68_CODPROG", Variant(c.report_field));
-    EXPECT_EQ(f.Report(), c.report) << c.added << " " << c.revoked.size();
+    AddProjects(f, 9, 8 + added);
+    RevokeForRossi(f, revocations);
+    f.Filter("PD68_CODPROG", Variant(report_field));
+    EXPECT_EQ(f.Report(), report) << added << " " << revocations.size();
     EXPECT_EQ(f.Sql(), kRossiProjectCondition);
-    std::vector<std::string> tail = {ProjectProbeStatement(5, one)};
-    if (c.list) tail.insert(tail.end(), {ProjectCountStatement(5, one), c.list(5, one)});
+    Strings tail = {ProjectProbeStatement(5, one)};
+    if (list) tail.insert(tail.end(), {ProjectCountStatement(5, one), list(5, one)});
     ASSERT_GE(f.Sent().size(), tail.size());
-    EXPECT_EQ(std::vector<std::string>(f.Sent().end() - tail.size(), f.Sent().end()), tail);
+    EXPECT_EQ(Strings(f.Sent().end() - tail.size(), f.Sent().end()), tail);
   }
 }
 

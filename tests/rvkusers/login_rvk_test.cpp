@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "demo/demo_db.h"
@@ -65,7 +66,6 @@ class RvkUsersOnDemo {
   }
   LoginResult Login(std::optional<std::string> login, int16_t outcome,
                     std::string win_user = "PC-TEST") {
-    log->statements.clear();
     std::optional<std::string> group = std::string("IGNORED");
     rvk.LoginRvk(outcome, win_user, group, login);
     LoginResult result{outcome, rvk.IsRevoked(), log->statements};
@@ -214,12 +214,8 @@ TEST(LoginRvk, PrivilegedLoginIsLoggedButNeverCounted) {
 TEST(LoginRvk, FailuresOfTheDayLockAtMaxNumTryAndOnlyOutcome1IsCounted) {
   RvkUsersOnDemo t(3);
   // BRUNO's two failures of the 4th do not count on the 5th; outcome 0 sends no count.
-  const struct {
-    int16_t outcome;
-    bool counted;
-    int16_t risultato_after;
-    EnumRevokeStatus status;
-  } steps[] = {
+  const std::tuple<int16_t, bool, int16_t, EnumRevokeStatus> steps[] = {
+      // outcome, counted, Risultato after the call, status
       {1, true, 1, NoRevoke},
       {0, false, 0, NoRevoke},
       {5, true, 5, NoRevoke},
@@ -229,14 +225,13 @@ TEST(LoginRvk, FailuresOfTheDayLockAtMaxNumTryAndOnlyOutcome1IsCounted) {
       {0, false, 2, RevokeVantor},  // a later success is refused
   };
   int minute = 0;
-  for (const auto& s : steps) {
+  for (const auto& [outcome, counted, risultato, status] : steps) {
     SCOPED_TRACE(minute);
     t.At({9, minute++});
-    const LoginResult r = t.Login("lbruno", s.outcome);
-    EXPECT_EQ(!r.Count().empty(), s.counted);
-    EXPECT_EQ(r.risultato, s.risultato_after);
-    EXPECT_EQ(r.status, s.status);
-    EXPECT_EQ(t.Locked(uid::kBruno), s.status == RevokeVantor ? "1" : "0");
+    const LoginResult r = t.Login("lbruno", outcome);
+    EXPECT_EQ(!r.Count().empty(), counted);
+    EXPECT_EQ(r.risultato * 10 + r.status, risultato * 10 + status);
+    EXPECT_EQ(t.Locked(uid::kBruno), status == RevokeVantor ? "1" : "0");
   }
   EXPECT_EQ(t.OutcomesToday(uid::kBruno), "1 0 5 1 -1 1 2");
   // MaxNumTry starts at 0: even an outcome that is not a failure locks.
@@ -363,11 +358,8 @@ TEST(RvkUsersConnection, OpensItsOwnClosesItAndLeavesTheHostsOpen) {
 
 TEST(FormatSqlValue, ValuesThatAreNotEmpty) {
   const Variant object(ObjectRef(std::make_shared<HostObject>()));
-  const struct {
-    Variant value;
-    int16_t tipo;
-    const char* literal;  // "": the value is refused
-  } cases[] = {
+  const std::tuple<Variant, int16_t, const char*> cases[] = {
+      // "": the value is refused
       {Variant("O'Hara"), 0, "'O'Hara'"},  // quotes are not doubled
       {Variant(" "), 0, "' '"},            // blank is not empty
       {object, 0, ""},
@@ -400,10 +392,10 @@ TEST(FormatSqlValue, ValuesThatAreNotEmpty) {
   };
   testing::RecordingEnv rec;
   CLSFW_RVKUSERS rvk{rec.env};
-  for (const auto& c : cases) {
+  for (const auto& [value, tipo, literal] : cases) {
     for (bool ammetti_null : {false, true}) {
-      EXPECT_EQ(rvk.FormatSqlValue(c.value, c.tipo, ammetti_null), c.literal)
-          << "tipo " << c.tipo << " " << c.value.ConcatText();
+      EXPECT_EQ(rvk.FormatSqlValue(value, tipo, ammetti_null), literal)
+          << "tipo " << tipo << " " << value.ConcatText();
     }
   }
   EXPECT_TRUE(rec.sink->messages.empty());
@@ -411,25 +403,22 @@ TEST(FormatSqlValue, ValuesThatAreNotEmpty) {
 
 TEST(FormatSqlValue, EmptyValues) {
   const std::string numeric =
-      "Si sta tentando di assegnare il valore (numerico) null a un campo che non ammette null.";
+      "Si sta tentando di assegnare il valore (numerico) null a un campo che non ammette "
+      "null.||0\n";
   const std::string date =
-      "Si sta tentando di assegnare il valore (data) null a un campo che non ammette null.";
-  const struct {
-    int16_t tipo;
-    bool ammetti_null;
-    const char* literal;
-    std::string message;  // "": no message
-  } cases[] = {
+      "Si sta tentando di assegnare il valore (data) null a un campo che non ammette null.||0\n";
+  const std::tuple<int16_t, bool, const char*, std::string> cases[] = {
+      // tipo, null allowed, literal, the boxes shown
       {0, true, "null", ""},   {3, true, "null", ""}, {0, false, "''", ""}, {1, false, "", numeric},
       {2, false, "", numeric}, {3, false, "", date},  {9, false, "", ""},
   };
   for (const Variant& empty : {Variant(), Variant::Null(), Variant("")}) {
-    for (const auto& c : cases) {
-      SCOPED_TRACE(std::to_string(c.tipo) + (c.ammetti_null ? " null allowed" : ""));
+    for (const auto& [tipo, ammetti_null, literal, boxes] : cases) {
+      SCOPED_TRACE(std::to_string(tipo) + (ammetti_null ? " null allowed" : ""));
       testing::RecordingEnv rec;
       CLSFW_RVKUSERS rvk{rec.env};
-      EXPECT_EQ(rvk.FormatSqlValue(empty, c.tipo, c.ammetti_null), c.literal);
-      EXPECT_EQ(testing::BoxLines(*rec.sink), c.message.empty() ? "" : c.message + "||0\n");
+      EXPECT_EQ(rvk.FormatSqlValue(empty, tipo, ammetti_null), literal);
+      EXPECT_EQ(testing::BoxLines(*rec.sink), boxes);
     }
   }
 }
