@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "cli/text_table.h"
@@ -38,11 +39,8 @@ bool Has(const std::string& text, const std::string& piece) {
 const char kStatement[] = "SELECT A.MG36_NUMREG FROM MG36_DOCUMENTI A WHERE A.MG36_DITTA_CG18 = 1";
 
 TEST(RewriteCommand, RewritesForTheUserOfTheGivenDatabase) {
-  const struct {
-    std::vector<std::string> args;
-    std::string out;  // a piece of the output
-    std::string err;  // a piece of the error output ("": none at all)
-  } cases[] = {
+  // Arguments, a piece of the output, a piece of the error output ("": none at all).
+  const std::tuple<std::vector<std::string>, std::string, std::string> cases[] = {
       // The group defaults to the user's own; in another one ROSSI is nobody (id 0).
       {{"--user", "ROSSI", kStatement}, "VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5 ", ""},
       {{"--user", "ROSSI", "--group", "AMM", kStatement}, "FW31_ID_FW07 = 0 ", ""},
@@ -60,13 +58,12 @@ TEST(RewriteCommand, RewritesForTheUserOfTheGivenDatabase) {
        "     condition: \"\"\n",
        ""},
   };
-  for (const auto& c : cases) {
-    std::vector<std::string> args = {"rewrite"};
-    args.insert(args.end(), c.args.begin(), c.args.end());
+  for (auto [args, out, err] : cases) {
+    args.insert(args.begin(), "rewrite");
     const CommandRun run = Zarvik(args);
     EXPECT_EQ(run.code, 0) << run.err;
-    EXPECT_TRUE(Has(run.out, c.out)) << run.out;
-    EXPECT_TRUE(c.err.empty() ? run.err.empty() : Has(run.err, c.err)) << run.err;
+    EXPECT_TRUE(Has(run.out, out)) << run.out;
+    EXPECT_TRUE(err.empty() ? run.err.empty() : Has(run.err, err)) << run.err;
   }
   // A database file made by init-db, or a connection string to it.
   const std::string path = ::testing::TempDir() + "zarvik_cli_" + std::to_string(getpid());

@@ -18,11 +18,7 @@ using testing::FilterOnDemo;
 
 TEST(ClassifyDataField, PicksTheBuilderByNameAndKind) {
   using K = FilterKind;
-  const struct {
-    FilterKind expected;
-    int32_t kind;
-    std::vector<std::string> fields;
-  } cases[] = {
+  const std::tuple<FilterKind, int32_t, std::vector<std::string>> cases[] = {
       // "CLIFOR" in any case, first of all tests; only customers and suppliers.
       {K::kCustomers, tsCliente, {"CG44_CLIFOR", "do11_clifor_cg44"}},
       {K::kSuppliers, tsFornitore, {"CG44_CLIFOR"}},
@@ -45,9 +41,9 @@ TEST(ClassifyDataField, PicksTheBuilderByNameAndKind) {
         "MG17_IDAGENTE", " MG17_AGENTE", "pd68_codprog", "PD0C_CODPROG_PD68", "", "MG3",
         "DO11_NUMDOC"}},
   };
-  for (const auto& c : cases) {
-    for (const std::string& field : c.fields) {
-      EXPECT_EQ(ClassifyDataField(field, c.kind), c.expected) << field << " kind " << c.kind;
+  for (const auto& [expected, kind, fields] : cases) {
+    for (const std::string& field : fields) {
+      EXPECT_EQ(ClassifyDataField(field, kind), expected) << field << " kind " << kind;
     }
   }
 }
