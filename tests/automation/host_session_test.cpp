@@ -207,7 +207,8 @@ TEST_F(HostSessionTest, StatementsAndRecordsetsOfAConnection) {
 
 TEST_F(HostSessionTest, RequestsTheBoundaryCannotServe) {
   const int64_t parser = New("CLSFW_PARSER");
-  const std::vector<std::pair<std::string, int>> cases = {  // request, error number (0: none)
+  const std::vector<std::pair<std::string, int>> cases = {
+      // request, error number (0: none)
       {"{not json", 0},
       {"", 0},
       {"[1,2]", 0},
@@ -231,8 +232,8 @@ TEST_F(HostSessionTest, RequestsTheBoundaryCannotServe) {
     EXPECT_TRUE(a["error"].is_string() && !a["error"].get<std::string>().empty()) << line;
     EXPECT_EQ(a.value("number", 0), number) << line;
   }
-  // The session goes on.
-  EXPECT_EQ(Get(parser, "CodiceUtente")["value"], "");
+  EXPECT_EQ(Send(std::string(R"({"op":5})"))["error"], "\"op\" must be a string");
+  EXPECT_EQ(Get(parser, "CodiceUtente")["value"], "");  // the session goes on
 }
 
 // A HostObject request whose line nests `depth` JSON levels in all.

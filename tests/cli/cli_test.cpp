@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <sstream>
 #include <string>
@@ -11,7 +12,6 @@
 #include <vector>
 
 #include "cli/text_table.h"
-#include "cli/tour.h"
 #include "demo/demo_db.h"
 
 namespace zarvik::cli {
@@ -102,24 +102,19 @@ TEST(RewriteCommand, UsageErrorsExitWith2AndFailuresWith1) {
   EXPECT_EQ(Zarvik({"nope"}).code, 2);
 }
 
-TEST(DemoCommand, ToursEverySceneInOneHundredColumnsWithoutTrailingBlanks) {
+TEST(DemoCommand, TheWholeTourInOneHundredColumnsWithoutTrailingBlanks) {
   const CommandRun run = Zarvik({"demo"});
   ASSERT_EQ(run.code, 0) << run.err;
   EXPECT_EQ(run.err, "");
-  EXPECT_EQ(run.out.rfind("Demo database: in memory\n", 0), 0U);
-  for (const TourScene& scene : TourScenes()) {
-    const std::string title = scene.title;
-    EXPECT_TRUE(Has(run.out, "\n" + title + "\n" + std::string(title.size(), '=') + "\n")) << title;
-  }
-  for (const demo::DemoUser& u : demo::DemoUsers()) {
-    EXPECT_TRUE(Has(run.out, "\n  " + std::string(u.code) + " (id " + std::to_string(u.id)))
-        << u.code;
-  }
   std::istringstream lines(run.out);
+  // FNV-1a of the whole tour, its texts and answers; a deliberate change records the new value.
+  uint64_t digest = 0xcbf29ce484222325ULL;
   for (std::string line; std::getline(lines, line);) {
     EXPECT_LE(line.size(), 100U) << line;
     EXPECT_TRUE(line.empty() || line.back() != ' ') << "trailing blank: [" << line << "]";
+    for (unsigned char c : line + "\n") digest = (digest ^ c) * 0x100000001b3ULL;
   }
+  EXPECT_EQ(digest, 0x55f28ba7c64d17a6ULL) << std::hex << "digest 0x" << digest;
   EXPECT_EQ(Zarvik({"demo", "--bogus"}).code, 2);
   EXPECT_EQ(Zarvik({"demo", "--db"}).code, 2);
   const CommandRun missing = Zarvik({"demo", "--db", "/nonexistent-dir/demo.db"});
