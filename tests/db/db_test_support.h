@@ -39,6 +39,13 @@ inline std::shared_ptr<Connection> OpenConnection(const std::string& connection_
   return connection;
 }
 
+// The first field's text of what `sql` answers, or "number description" of the error it raises.
+inline std::string Answer(Connection& connection, const std::string& sql) {
+  std::string answer;
+  const VbError e = CaughtError([&] { answer = connection.Execute(sql)->Fields(0).ConcatText(); });
+  return e.Number() == 0 ? answer : std::to_string(e.Number()) + " " + e.Description();
+}
+
 // A stored-procedure command on `connection`.
 inline Command StoredProc(const std::string& name, std::shared_ptr<Connection> connection) {
   Command command;

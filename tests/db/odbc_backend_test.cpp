@@ -157,13 +157,20 @@ TEST_F(OdbcBackendTest, EmulatedProcedureBindsInputsAndFillsOutputs) {
   }
 }
 
-// A value as text: the embedded engine hands dates out as text, ODBC as Date.
-std::string Comparable(const Variant& value) {
-  if (value.IsNull()) return "<NULL>";
-  if (value.Type() == VarType::kDate) {
-    return odbc::DateText(odbc::FieldsFromOleDate(value.RawNumber()));
+// Field names and rows as text; dates as the embedded engine hands them out (text).
+std::string Dump(Recordset& rs) {
+  std::string text;
+  for (int i = 0; i < rs.FieldCount(); ++i) text += rs.FieldName(i) + "|";
+  for (; !rs.EOF(); rs.MoveNext()) {
+    for (int i = 0; i < rs.FieldCount(); ++i) {
+      const Variant v = rs.Fields(i);
+      if (v.Type() != VarType::kDate) text += v.IsNull() ? "<NULL>|" : v.ConcatText() + "|";
+      if (v.Type() == VarType::kDate)
+        text += odbc::DateText(odbc::FieldsFromOleDate(v.RawNumber())) + "|";
+    }
+    text += "\n";
   }
-  return value.ConcatText();
+  return text;
 }
 
 TEST(OdbcDemoDatabaseTest, EveryTableReadsAsInTheEmbeddedEngine) {
@@ -172,28 +179,14 @@ TEST(OdbcDemoDatabaseTest, EveryTableReadsAsInTheEmbeddedEngine) {
   auto odbc = OpenConnection(std::string("Driver=") + kOdbcDriver + ";Database=" + file.path());
   demo::CreateDemoDatabase(*odbc);
   auto embedded = demo::OpenDemoDatabase(":memory:");
-  std::vector<std::string> tables;
+  int tables = 0;
   for (auto rs = embedded->Execute(
            "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') ORDER BY name");
-       !rs->EOF(); rs->MoveNext()) {
-    tables.push_back(rs->Fields(0).ToString());
+       !rs->EOF(); rs->MoveNext(), ++tables) {
+    const std::string sql = "SELECT * FROM " + rs->Fields(0).ToString() + " ORDER BY 1, 2";
+    EXPECT_EQ(Dump(*odbc->Execute(sql)), Dump(*embedded->Execute(sql))) << sql;
   }
-  ASSERT_GT(tables.size(), 20u);
-  for (const std::string& table : tables) {
-    SCOPED_TRACE(table);
-    const std::string sql = "SELECT * FROM " + table + " ORDER BY 1, 2";
-    auto expected = embedded->Execute(sql);
-    auto actual = odbc->Execute(sql);
-    ASSERT_EQ(actual->FieldCount(), expected->FieldCount());
-    for (; !expected->EOF() && !actual->EOF(); expected->MoveNext(), actual->MoveNext()) {
-      for (int i = 0; i < expected->FieldCount(); ++i) {
-        EXPECT_EQ(actual->FieldName(i), expected->FieldName(i));
-        EXPECT_EQ(Comparable(actual->Fields(i)), Comparable(expected->Fields(i)))
-            << expected->FieldName(i);
-      }
-    }
-    EXPECT_TRUE(expected->EOF() && actual->EOF());
-  }
+  EXPECT_GT(tables, 20);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,8 @@
 
 namespace zarvik::db {
 namespace {
+
+using test::ErrorsOf;
 
 // CODE (Long, text or Double), NAME (text), QTY (Long or Null).
 RowSet SampleRows() {
@@ -37,14 +38,13 @@ TEST(RecordsetTest, WalksRowsInOrderAndStopsAtEof) {
   EXPECT_EQ(rs.Fields(1).ToString(), "alpha");
   EXPECT_EQ(rs.FieldName(1), "Name");
   // An unknown field is reported before a missing row.
-  for (const auto& member : std::vector<std::function<void()>>{
-           [&] { rs.Fields(3); }, [&] { rs.Fields(-1); }, [&] { rs.FieldName(7); }}) {
-    EXPECT_EQ(ErrorOf(member), vberr::kAdoItemNotFound);
-  }
+  EXPECT_EQ(ErrorsOf({[&] { rs.Fields(3); }, [&] { rs.Fields(-1); }, [&] { rs.FieldName(7); }}),
+            std::vector<int32_t>(3, vberr::kAdoItemNotFound));
   EXPECT_EQ(Names(rs), (std::vector<std::string>{"alpha", "beta", "O'Brien", "gamma"}));
-  EXPECT_EQ(ErrorOf([&] { rs.Fields("NOPE"); }), vberr::kAdoItemNotFound);
-  EXPECT_EQ(ErrorOf([&] { rs.MoveNext(); }), vberr::kAdoNoCurrentRecord);
-  EXPECT_EQ(ErrorOf([&] { rs.Fields("CODE"); }), vberr::kAdoNoCurrentRecord);
+  EXPECT_EQ(
+      ErrorsOf({[&] { rs.Fields("NOPE"); }, [&] { rs.MoveNext(); }, [&] { rs.Fields("CODE"); }}),
+      (std::vector<int32_t>{vberr::kAdoItemNotFound, vberr::kAdoNoCurrentRecord,
+                            vberr::kAdoNoCurrentRecord}));
   RowSet no_rows;
   no_rows.columns = {"A"};
   Recordset empty(no_rows, kUseClient);
@@ -56,13 +56,11 @@ TEST(RecordsetTest, EveryMemberOfAClosedRecordsetRaises3704) {
   Recordset rs(SampleRows(), kUseClient);
   rs.Close();
   EXPECT_EQ(rs.State(), 0);
-  const std::vector<std::function<void()>> members = {
-      [&] { rs.EOF(); },      [&] { rs.BOF(); },         [&] { rs.Fields("CODE"); },
-      [&] { rs.MoveNext(); }, [&] { rs.RecordCount(); }, [&] { rs.SetFilter(Variant("A = 1")); },
-      [&] { rs.Filter(); },   [&] { rs.FieldCount(); },  [&] { rs.Close(); }};
-  for (size_t i = 0; i < members.size(); ++i) {
-    EXPECT_EQ(ErrorOf(members[i]), vberr::kAdoObjectClosed) << "member " << i;
-  }
+  EXPECT_EQ(ErrorsOf({[&] { rs.EOF(); }, [&] { rs.BOF(); }, [&] { rs.Fields("CODE"); },
+                      [&] { rs.MoveNext(); }, [&] { rs.RecordCount(); },
+                      [&] { rs.SetFilter(Variant("A = 1")); }, [&] { rs.Filter(); },
+                      [&] { rs.FieldCount(); }, [&] { rs.Close(); }}),
+            std::vector<int32_t>(9, vberr::kAdoObjectClosed));
 }
 
 // A number matches a Long, numeric text and a Double alike; text that is no

@@ -38,15 +38,6 @@ class StatementCacheTest : public ::testing::Test {
   std::unique_ptr<SqliteStatementCache> cache_;
 };
 
-TEST(HoldsNoStatement, OnlyBlanksSemicolonsAndComments) {
-  for (const char* tail : {"", " ;\n\t; ", "-- note", "-- a\n;/* b */ ", "/* open"}) {
-    EXPECT_TRUE(HoldsNoStatement(tail)) << tail;
-  }
-  for (const char* tail : {"; SELECT 1", "-- a\nX", "/* b */ X", "- 1"}) {
-    EXPECT_FALSE(HoldsNoStatement(tail)) << tail;
-  }
-}
-
 TEST_F(StatementCacheTest, AKeptStatementComesBackResetAndUnbound) {
   const std::string text = "SELECT X FROM T WHERE X >= ?1 ORDER BY X; -- the first rows";
   sqlite3_stmt* first = nullptr;
