@@ -15,8 +15,6 @@
 namespace zarvik::db {
 namespace {
 
-using test::ErrorsOf;
-
 TEST(ConnectionTest, StatesAndTheirErrors) {
   Connection connection;
   EXPECT_EQ(connection.State(), kStateClosed);
@@ -160,10 +158,10 @@ TEST(ConnectionTest, ASecondStatementIsRefusedBeforeAnythingRuns) {
   const std::pair<const char*, bool> cases[] = {
       {"SELECT A FROM T", false},
       {"SELECT A FROM T ; ;\n\t", false},
-      {"SELECT A FROM T -- a note", false},
+      {"SELECT A FROM T; -- a note", false},
       {"SELECT A FROM T; /* a note */ -- and another\n;", false},
       {"SELECT A FROM T WHERE B = 'x; DELETE FROM T'", false},
-      {"SELECT A FROM T /* open", false},
+      {"SELECT A FROM T; /* open", false},
       {"SELECT A FROM T; - 1", true},
       {"DELETE FROM T WHERE A = 9; DELETE FROM T", true},
       {"SELECT A FROM T WHERE B = 'x'; DELETE FROM T; --'", true},

@@ -22,6 +22,7 @@ namespace zarvik::db {
 
 using test::CaughtError;
 using test::ErrorOf;
+using test::ErrorsOf;
 
 inline const char kMemory[] = "Provider=SQLite;Data Source=:memory:";
 // The SQLite ODBC driver under the name Debian's libsqliteodbc gives it.
@@ -55,26 +56,23 @@ inline Command StoredProc(const std::string& name, std::shared_ptr<Connection> c
   return command;
 }
 
-// Registers kOdbcDriver in an odbcinst.ini of the tests' own (ODBCSYSINI) and
-// answers whether the driver manager knows it; call before any other ODBC call.
+// Registers kOdbcDriver in an odbcinst.ini of the process's own (ODBCSYSINI), removed when
+// the process ends, and answers whether the driver manager knows it; call before other ODBC.
 inline bool OdbcDriverInstalled() {
 #ifdef ZARVIK_SQLITE_ODBC_DRIVER
-  const std::string dir = ::testing::TempDir() + "zarvik_odbcinst_" + std::to_string(getpid());
-  ::mkdir(dir.c_str(), 0700);
-  {
-    std::ofstream ini(dir + "/odbcinst.ini", std::ios::trunc);
-    ini << "[" << kOdbcDriver << "]\nDescription=SQLite3 ODBC driver for the tests\n"
-        << "Driver=" << ZARVIK_SQLITE_ODBC_DRIVER << "\n";
-  }
-  ::setenv("ODBCSYSINI", dir.c_str(), 1);
-  // Gone again when the test process ends.
-  static const struct RemoveAtExit {
-    std::string dir;
-    ~RemoveAtExit() {
+  static const struct OdbcInst {
+    const std::string dir = ::testing::TempDir() + "zarvik_odbcinst_" + std::to_string(getpid());
+    OdbcInst() {
+      ::mkdir(dir.c_str(), 0700);
+      std::ofstream(dir + "/odbcinst.ini", std::ios::trunc)
+          << "[" << kOdbcDriver << "]\nDriver=" << ZARVIK_SQLITE_ODBC_DRIVER << "\n";
+      ::setenv("ODBCSYSINI", dir.c_str(), 1);
+    }
+    ~OdbcInst() {
       std::remove((dir + "/odbcinst.ini").c_str());
       ::rmdir(dir.c_str());
     }
-  } remove_at_exit{dir};
+  } odbcinst;
 #endif
   for (const std::string& name : InstalledOdbcDrivers()) {
     if (name == kOdbcDriver) return true;
@@ -92,11 +90,10 @@ class TempDbFile {
   }
   ~TempDbFile() { std::remove(path_.c_str()); }
   TempDbFile(const TempDbFile&) = delete;
-  TempDbFile& operator=(const TempDbFile&) = delete;
   const std::string& path() const { return path_; }
 
  private:
-  std::string path_;
+  const std::string path_;
 };
 
 }  // namespace zarvik::db

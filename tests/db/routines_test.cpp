@@ -12,7 +12,6 @@ namespace zarvik::db {
 namespace {
 
 using D = ParameterDirection;
-using test::ErrorsOf;
 
 const char kRoutines[] =
     "CREATE TABLE ZARVIK_ROUTINES (ROUTINE_NAME TEXT PRIMARY KEY, ROUTINE_BODY TEXT NOT NULL);\n"

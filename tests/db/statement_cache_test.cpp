@@ -11,10 +11,6 @@
 namespace zarvik::db {
 namespace {
 
-struct DbCloser {
-  void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
-};
-
 class StatementCacheTest : public ::testing::Test {
  protected:
   static constexpr size_t kBound = 300 * 1024;
@@ -34,7 +30,7 @@ class StatementCacheTest : public ::testing::Test {
     return lease;
   }
 
-  std::unique_ptr<sqlite3, DbCloser> db_;
+  std::unique_ptr<sqlite3, decltype(&sqlite3_close_v2)> db_{nullptr, sqlite3_close_v2};
   std::unique_ptr<SqliteStatementCache> cache_;
 };
 
