@@ -5,10 +5,7 @@
 
 #include <chrono>
 #include <fstream>
-#include <memory>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "db/db_test_support.h"
 

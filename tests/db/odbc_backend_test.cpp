@@ -3,10 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "db/db_test_support.h"
 #include "db/odbc_support.h"
 #include "demo/demo_db.h"

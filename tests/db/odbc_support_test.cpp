@@ -4,10 +4,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
-#include <optional>
-#include <string>
 #include <tuple>
-#include <vector>
 
 namespace zarvik::db::odbc {
 namespace {

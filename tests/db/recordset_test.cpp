@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "db/db_test_support.h"
 
 namespace zarvik::db {

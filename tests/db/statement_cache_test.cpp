@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <memory>
-#include <string>
-
 #include "db/sqlite_statement_cache.h"
 #include "db_test_support.h"
 

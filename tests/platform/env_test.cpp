@@ -4,7 +4,6 @@
 
 #include <ctime>
 #include <sstream>
-#include <string>
 #include <vector>
 
 #include "platform/message_sink.h"

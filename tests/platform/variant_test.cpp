@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
-#include <memory>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "platform/platform_test_support.h"
 

@@ -3,12 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdint>
-#include <string>
-#include <vector>
 
 #include "platform/platform_test_support.h"
-#include "platform/vb_error.h"
 
 namespace zarvik::vb {
 namespace {
