@@ -1,4 +1,3 @@
-// Recordset navigation, field access, counting and filtering.
 #include "db/recordset.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,3 @@
-// The prepared statements an embedded connection keeps.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 

@@ -121,19 +121,14 @@ TEST(VariantToDate, ReadsTheInvariantTextItWrites) {
   for (const double oa : {45306.0, 45306.5, 0.75, -1.25, 36526.0 + 3723.0 / 86400.0}) {
     EXPECT_NEAR(Variant(Variant::Date(oa).ToString()).ToDate(), oa, 1e-9);
   }
-  const std::vector<std::pair<Variant, std::string>> cases = {
-      {Variant(" 2024-01-15 "), "45306"},
-      {Variant(int32_t{3}), "3"},
-      {Variant("2023-02-30"), "#13"},
-      {Variant("2024-13-01"), "#13"},
-      {Variant("2024-1-15"), "#13"},
-      {Variant("15/01/2024"), "#13"},
-      {Variant("25:00"), "#13"},
-      {Variant("2024-01-15T10:00:00"), "#13"},
-      {Variant(""), "#13"},
-      {Variant("2024-01-15 10:00:61"), "#13"},
-      {Variant::Null(), "#94"}};
-  for (const auto& [value, answer] : cases) EXPECT_EQ(Try([&] { return value.ToDate(); }), answer);
+  EXPECT_EQ(Try([] { return Variant(" 2024-01-15 ").ToDate(); }) + " " +
+                Try([] { return Variant(int32_t{3}).ToDate(); }) + " " +
+                Try([] { return Variant::Null().ToDate(); }),
+            "45306 3 #94");
+  for (const char* bad : {"2023-02-30", "2024-13-01", "2024-1-15", "15/01/2024", "25:00",
+                          "2024-01-15T10:00:00", "2024-01-15 10:00:61", ""}) {
+    EXPECT_EQ(Try([&] { return Variant(bad).ToDate(); }), "#13") << bad;
+  }
 }
 
 TEST(VariantIsNumeric, FollowsVb) {
@@ -152,7 +147,7 @@ TEST(VariantObjectAndArray, NothingWrongTypesAndSubscripts) {
   EXPECT_EQ(Variant::Nothing().ToObject(), nullptr);
   EXPECT_TRUE(VariantArray(0, 0, 0, 0).At(0, 0).IsEmpty());
   VariantArray shifted(-2, -1, 5, 6);
-  EXPECT_EQ(shifted.LBound(1) * 10 + shifted.UBound(2), -14);
+  EXPECT_EQ(std::to_string(shifted.LBound(1)) + ".." + std::to_string(shifted.UBound(2)), "-2..6");
   shifted.At(-1, 6) = Variant(int32_t{7});
   EXPECT_EQ(shifted.At(-1, 6).ToLong(), 7);
   EXPECT_TRUE(shifted.At(-2, 6).IsEmpty());
@@ -190,9 +185,8 @@ TEST(VbCompareTest, ComparisonTable) {
   }
   // Null makes any comparison unknown, in either direction.
   for (const Variant& other : {Variant::Null(), Variant(), Variant("a")}) {
-    EXPECT_FALSE(VbCompare(Variant::Null(), other).has_value());
-    EXPECT_FALSE(VbCompare(other, Variant::Null()).has_value());
-    EXPECT_FALSE(VbEquals(other, Variant::Null()));
+    EXPECT_FALSE(VbCompare(Variant::Null(), other) || VbCompare(other, Variant::Null()) ||
+                 VbEquals(other, Variant::Null()));
   }
   EXPECT_EQ(ErrorsOf({[] { VbCompare(Variant(int32_t{1}), Variant("abc")); },
                       [] { VbCompare(Variant::Nothing(), Variant(int32_t{0})); }}),
