@@ -60,7 +60,7 @@ TEST(ConnectionTest, OpenFailures) {
   EXPECT_FALSE(std::ifstream(file.path()).good());
 }
 
-TEST(ConnectionTest, ScriptsRunWholeAndAnswerTheFirstRows) {
+TEST(ConnectionTest, ScriptsRunWholeAnswerTheFirstRowsAndStopAtAnError) {
   auto connection = OpenConnection();
   auto rs = connection->ExecuteScript(
       "CREATE TABLE T (A INTEGER, B TEXT);\n"
@@ -74,6 +74,14 @@ TEST(ConnectionTest, ScriptsRunWholeAndAnswerTheFirstRows) {
   auto empty = connection->Execute("SELECT A FROM T WHERE A = 9");
   EXPECT_TRUE(empty->State() == kStateOpen && empty->EOF());
   EXPECT_EQ(OpenConnection(kMemory, "", kUseServer)->Execute("SELECT 1")->RecordCount(), -1);
+  // A failing statement raises the provider error; those before it in a script have run.
+  connection->Execute("CREATE TABLE U (A INTEGER PRIMARY KEY)");
+  const VbError e = CaughtError(
+      [&] { connection->ExecuteScript("INSERT INTO U VALUES (2); INSERT INTO U VALUES (2)"); });
+  EXPECT_EQ(e.Number(), vberr::kProviderError);
+  EXPECT_NE(e.Description().find("SQLite error 19: UNIQUE constraint failed"), std::string::npos)
+      << e.Description();
+  EXPECT_EQ(Answer(*connection, "SELECT COUNT(*) FROM U"), "1");
 }
 
 TEST(ConnectionTest, FieldValuesKeepTheirSqliteTypes) {
@@ -91,17 +99,6 @@ TEST(ConnectionTest, FieldValuesKeepTheirSqliteTypes) {
             (std::vector<V>{V::kLong, V::kDouble, V::kDouble, V::kString, V::kNull, V::kString}));
   EXPECT_EQ(texts,
             (std::vector<std::string>{"2147483647", "-2147483649", "1.5", "txt", "", "ABC"}));
-}
-
-TEST(ConnectionTest, ProviderErrorsCarryNumberMessageAndStatement) {
-  auto connection = OpenConnection(kMemory, "CREATE TABLE U (A INTEGER PRIMARY KEY)");
-  const VbError e = CaughtError(
-      [&] { connection->ExecuteScript("INSERT INTO U VALUES (2); INSERT INTO U VALUES (2)"); });
-  EXPECT_EQ(e.Number(), vberr::kProviderError);
-  EXPECT_NE(e.Description().find("SQLite error 19: UNIQUE constraint failed"), std::string::npos)
-      << e.Description();
-  // Statements before the failing one of a script have run; the connection stays usable.
-  EXPECT_EQ(Answer(*connection, "SELECT COUNT(*) FROM U"), "1");
 }
 
 TEST(ConnectionTest, CommandTimeoutBoundsTheWaitForALock) {

@@ -53,7 +53,7 @@ TEST(RecordsetTest, EveryMemberOfAClosedRecordsetRaises3704) {
 }
 
 // A number matches a Long, numeric text and a Double alike; text that is no number never does.
-TEST(RecordsetTest, FilterKeepsMatchingRows) {
+TEST(RecordsetTest, FilterKeepsMatchingRowsClearsAndRefusesBadCriteria) {
   const std::vector<std::pair<const char*, std::vector<std::string>>> cases = {
       {"code = '1'", {"alpha", "beta"}},
       {"CODE = 2", {"O'Brien"}},
@@ -73,9 +73,7 @@ TEST(RecordsetTest, FilterKeepsMatchingRows) {
     EXPECT_EQ(rs.Filter().ToString(), criteria);
     EXPECT_EQ(Names(rs), names);
   }
-}
-
-TEST(RecordsetTest, FilterClearsAndRejectsBadCriteria) {
+  // Cleared by adFilterNone or ""; bad criteria are refused.
   Recordset rs(SampleRows(), kUseServer);
   rs.SetFilter(Variant("QTY = 30"));
   EXPECT_EQ(rs.RecordCount(), -1);

@@ -34,8 +34,6 @@ TEST(VariantToString, ConversionTable) {
       {Variant(), ""},
       {Variant(true), "True"},
       {Variant(int16_t{-32768}), "-32768"},
-      {Variant(int32_t{2147483647}), "2147483647"},
-      {Variant(2.0), "2"},
       {Variant(-0.0), "0"},
       {Variant(2.0 / 3.0), "0.666666666666667"},
       {Variant(0.1 + 0.2), "0.3"},
