@@ -50,13 +50,15 @@ TEST_F(OdbcBackendTest, ReadsTypedValuesNullAndLongText) {
       "CREATE TABLE T (I INTEGER, B BIGINT, S SMALLINT, F FLOAT, D DECIMAL(10,2), "
       "V VARCHAR(50), W DATETIME, Y DATE, K BIT)");
   backend_->Execute(
-      "INSERT INTO T VALUES (-42, 5000000000, 3, 1.25, 12.5, '\xc3\xa0z', '2024-03-05 10:11:12', "
+      "INSERT INTO T VALUES (-2147483648, 5000000000, 2147483647, 1.25, 12.5, '\xc3\xa0z', "
+      "'2024-03-05 10:11:12', "
       "'2024-03-05', 1), (NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL)");
   const RowSet rs = backend_->Execute("SELECT I, B, S, F, D, V, W, Y, K FROM T ORDER BY I DESC");
   EXPECT_EQ(Dump(rs),
-            "I|B|S|F|D|V|W|Y|K;-42|5000000000|3|1.25|12.5|\xc3\xa0z|2024-03-05 10:11:12|2024-03-05|"
+            "I|B|S|F|D|V|W|Y|K;-2147483648|5000000000|2147483647|1.25|12.5|\xc3\xa0z|2024-03-05 "
+            "10:11:12|2024-03-05|"
             "1;<NULL>|<NULL>|<NULL>|<NULL>|<NULL>|<NULL>|<NULL>|<NULL>|<NULL>");
-  // BIGINT beyond 32 bits is a Double; a SQLite BIT column is an integer column.
+  // An integer is a Long up to the 32-bit limits, a Double beyond; SQLite's BIT is an integer.
   using V = VarType;
   std::vector<VarType> types;
   for (const Variant& value : rs.rows.at(0)) types.push_back(value.Type());

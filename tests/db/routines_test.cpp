@@ -66,6 +66,9 @@ TEST(RoutinesTest, FunctionsAreRegisteredWhenAFileDatabaseOpens) {
       " INSERT INTO TRASF (DITTA, ORIG)  VALUES  (9, [dbo].[KVL_GETDATE]()) ;"
       "SELECT ORIG FROM TRASF WHERE DITTA = 9");
   EXPECT_EQ(rs->Fields("ORIG").ToString(), "2024-03-01 10:20:30");
+  // A routine another connection adds is found when a statement first names it.
+  OpenConnection(source, "INSERT INTO ZARVIK_ROUTINES VALUES ('FN_LATE', 'SELECT 8')");
+  EXPECT_EQ(Answer(*connection, "SELECT FN_LATE()"), "8");
 }
 
 // Inputs are the body's :Name parameters, outputs its result columns, a name in both InOut.
