@@ -89,7 +89,6 @@ class TempDbFile {
     std::remove(path_.c_str());
   }
   ~TempDbFile() { std::remove(path_.c_str()); }
-  TempDbFile(const TempDbFile&) = delete;
   const std::string& path() const { return path_; }
 
  private:

@@ -8,10 +8,7 @@ namespace {
 
 TEST(Utf16, EveryTextRoundTrips) {
   using U = std::u16string;
-  const struct {
-    std::string utf8;
-    U utf16;
-  } cases[] = {
+  const std::pair<std::string, U> cases[] = {
       {"", U()},
       {"Abc", u"Abc"},
       {"perch\xC3\xA9 \xE2\x82\xAC", u"perch\u00E9 \u20AC"},
@@ -26,9 +23,9 @@ TEST(Utf16, EveryTextRoundTrips) {
       {"\xE2\x82", U{char16_t{0xDCE2}, char16_t{0xDC82}}},  // a cut sequence
       {"\xED\xB2\x80", U{char16_t{0xDCED}, char16_t{0xDCB2}, char16_t{0xDC80}}},  // escape unit
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Utf16FromUtf8(c.utf8), c.utf16) << c.utf8;
-    EXPECT_EQ(Utf8FromUtf16(c.utf16), c.utf8) << c.utf8;
+  for (const auto& [utf8, utf16] : cases) {
+    EXPECT_EQ(Utf16FromUtf8(utf8), utf16) << utf8;
+    EXPECT_EQ(Utf8FromUtf16(utf16), utf8) << utf8;
   }
 }
 

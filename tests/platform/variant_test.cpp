@@ -79,21 +79,15 @@ TEST(VariantToInteger, ConversionTable) {
       {Variant("12abc"), kTm},       {Variant("1,000"), kTm},      {Variant("1e"), kTm},
       {Variant("&H"), kTm},          {Variant("&O8"), kTm},        {Variant("True"), kTm},
       {Variant::Nothing(), kTm}};
-  for (size_t i = 0; i < both.size(); ++i) {
-    EXPECT_EQ(both[i].first.ToInteger(), both[i].second) << i;
-    EXPECT_EQ(both[i].first.ToLong(), both[i].second) << i;
-  }
-  for (size_t i = 0; i < long_only.size(); ++i) {
-    EXPECT_EQ(ErrorOf([&] { long_only[i].first.ToInteger(); }), kOv) << i;
-    EXPECT_EQ(long_only[i].first.ToLong(), long_only[i].second) << i;
-  }
-  for (size_t i = 0; i < failing.size(); ++i) {
-    EXPECT_EQ(ErrorOf([&] { failing[i].first.ToInteger(); }), failing[i].second) << i;
-    EXPECT_EQ(ErrorOf([&] { failing[i].first.ToLong(); }), failing[i].second) << i;
-  }
-  // &HFFFF is -1 as a 16-bit value and 65535 as a 32-bit one.
-  EXPECT_EQ(Variant("&HFFFF").ToInteger(), -1);
-  EXPECT_EQ(Variant("&HFFFF").ToLong(), 65535);
+  // "CInt CLng" of a value, each the number or #error.
+  const auto cint_clng = [](const Variant& v) {
+    return Try([&] { return v.ToInteger(); }) + " " + Try([&] { return v.ToLong(); });
+  };
+  const auto n = [](int32_t value) { return std::to_string(value); };
+  for (const auto& [v, i] : both) EXPECT_EQ(cint_clng(v), n(i) + " " + n(i));
+  for (const auto& [v, l] : long_only) EXPECT_EQ(cint_clng(v), "#6 " + n(l));
+  for (const auto& [v, e] : failing) EXPECT_EQ(cint_clng(v), "#" + n(e) + " #" + n(e));
+  EXPECT_EQ(cint_clng(Variant("&HFFFF")), "-1 65535");  // 16-bit, 32-bit
 }
 
 TEST(VariantToDouble, ReadsNumbersAndNumericText) {
