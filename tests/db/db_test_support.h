@@ -40,6 +40,13 @@ inline std::shared_ptr<Connection> OpenConnection(const std::string& connection_
   return connection;
 }
 
+// "number description" of the VbError `f` raised.
+template <typename F>
+std::string Failure(F&& f) {
+  const VbError e = CaughtError(f);
+  return std::to_string(e.Number()) + " " + e.Description();
+}
+
 // The first field's text of what `sql` answers, or "number description" of the error it raises.
 inline std::string Answer(Connection& connection, const std::string& sql) {
   std::string answer;

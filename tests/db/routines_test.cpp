@@ -12,8 +12,7 @@ const char kRoutines[] =
     "CREATE TABLE ZARVIK_ROUTINES (ROUTINE_NAME TEXT PRIMARY KEY, ROUTINE_BODY TEXT NOT NULL);\n"
     "CREATE TABLE TRASF (DITTA INTEGER, UTENTE INTEGER, ORIG TEXT, DEST TEXT);\n"
     "INSERT INTO TRASF VALUES (1, 5, 'A1', 'B2');\n"
-    "CREATE TABLE ACCOUNTS (UTENTE INTEGER, GRUPPO INTEGER, CONTO TEXT, ABIL INTEGER, VIS "
-    "INTEGER);\n"
+    "CREATE TABLE ACCOUNTS (UTENTE INTEGER, GRUPPO INTEGER, CONTO TEXT, ABIL INT, VIS INT);\n"
     "INSERT INTO ACCOUNTS VALUES (5, 12, '0100', 0, 1);\n"
     "INSERT INTO ZARVIK_ROUTINES VALUES ('FNFW_TRASFREVOCATI', 'SELECT 1 FROM TRASF WHERE "
     "DITTA = ?1 AND UTENTE = ?2 AND ORIG = ?3 AND DEST = ?4'), ('KVL_GETDATE', 'SELECT "
@@ -158,15 +157,12 @@ TEST(RoutinesTest, CommandErrors) {
                       [] { OpenConnection()->Execute("SP_ROWS", kCmdStoredProc); }}),
             (std::vector<int32_t>{kUnusable, kUnusable, kUnusable, kUnusable,
                                   vberr::kAdoItemNotFound, vberr::kProviderError}));
-  const VbError e = CaughtError([&] { StoredProc("SP_NOPE", connection).Parameters("@X"); });
-  EXPECT_EQ(e.Number(), vberr::kProviderError);
-  EXPECT_EQ(e.Description(), "Could not find stored procedure 'SP_NOPE'.");
+  EXPECT_EQ(Failure([&] { StoredProc("SP_NOPE", connection).Parameters("@X"); }),
+            std::to_string(vberr::kProviderError) + " Could not find stored procedure 'SP_NOPE'.");
   // A body SQLite cannot prepare names the procedure.
   connection->Execute("INSERT INTO ZARVIK_ROUTINES VALUES ('SP_BAD', 'SELECT FROM')");
-  EXPECT_NE(CaughtError([&] { connection->Execute("SP_BAD", kCmdStoredProc); })
-                .Description()
-                .find("procedure SP_BAD"),
-            std::string::npos);
+  const std::string bad = Failure([&] { connection->Execute("SP_BAD", kCmdStoredProc); });
+  EXPECT_NE(bad.find("procedure SP_BAD"), std::string::npos) << bad;
 }
 
 }  // namespace

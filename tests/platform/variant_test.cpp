@@ -129,8 +129,7 @@ TEST(VariantIsNumeric, FollowsVb) {
       {Variant::Date(1), false},  {Variant(" -1.5e3 "), true}, {Variant("&H1F"), true},
       {Variant(""), false},       {Variant("1 2"), false},     {Variant("1e999"), false},
       {Variant::Nothing(), false}};
-  for (size_t i = 0; i < cases.size(); ++i)
-    EXPECT_EQ(cases[i].first.IsNumeric(), cases[i].second) << i;
+  for (const auto& [value, numeric] : cases) EXPECT_EQ(value.IsNumeric(), numeric);
 }
 
 TEST(VariantObjectAndArray, NothingWrongTypesAndSubscripts) {
@@ -169,11 +168,10 @@ TEST(VbCompareTest, ComparisonTable) {
       {Variant(" 10 "), Variant(int32_t{10}), 0},
       {Variant(true), Variant("True"), 0},
       {Variant(true), Variant("0"), -1}};
-  for (size_t i = 0; i < cases.size(); ++i) {
-    const auto& [a, b, expected] = cases[i];
-    EXPECT_EQ(VbCompare(a, b), expected) << i;
-    EXPECT_EQ(VbCompare(b, a), -expected) << i;  // antisymmetric
-    EXPECT_EQ(VbEquals(a, b), expected == 0) << i;
+  for (const auto& [a, b, expected] : cases) {
+    EXPECT_EQ(VbCompare(a, b), expected) << a.ConcatText() << " vs " << b.ConcatText();
+    EXPECT_EQ(VbCompare(b, a), -expected) << a.ConcatText();  // antisymmetric
+    EXPECT_EQ(VbEquals(a, b), expected == 0) << a.ConcatText();
   }
   // Null makes any comparison unknown, in either direction.
   for (const Variant& other : {Variant::Null(), Variant(), Variant("a")}) {

@@ -40,9 +40,8 @@ TEST(InStrTest, PositionsTable) {
       // A partial match at the first candidate does not hide a later one.
       {1, "AaAaB", "aab", kT, 3},
       {1, "xFROMFROM", "from", kT, 2}};
-  for (size_t i = 0; i < cases.size(); ++i) {
-    const InStrCase& c = cases[i];
-    EXPECT_EQ(InStr(c.start, c.text, c.find, c.compare), c.expected) << i;
+  for (const InStrCase& c : cases) {
+    EXPECT_EQ(InStr(c.start, c.text, c.find, c.compare), c.expected) << c.start << " " << c.text;
   }
   EXPECT_EQ(ErrorsOf({[] { InStr(0, "abc", "a"); }, [] { InStr(-1, "abc", "a"); },
                       [] { InStr(0, "abc", "", Compare::kText); },
@@ -56,8 +55,7 @@ TEST(InStrTest, TextCompareStaysLinearOnRepetitiveText) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(InStr(1, text, "aB", Compare::kText), 0);
   EXPECT_EQ(InStr(1, text + "B", "aB", Compare::kText), 300'000);
-  const auto elapsed = std::chrono::steady_clock::now() - begin;
-  EXPECT_LT(std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count(), 1000);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
 }
 
 TEST(MidLeftRightTest, SlicesAndErrors) {
