@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -81,10 +82,8 @@ inline bool OdbcDriverInstalled() {
     }
   } odbcinst;
 #endif
-  for (const std::string& name : InstalledOdbcDrivers()) {
-    if (name == kOdbcDriver) return true;
-  }
-  return false;
+  const std::vector<std::string> drivers = InstalledOdbcDrivers();
+  return std::find(drivers.begin(), drivers.end(), kOdbcDriver) != drivers.end();
 }
 
 // A database file of the running test's own, removed before and after.

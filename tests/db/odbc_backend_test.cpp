@@ -13,8 +13,7 @@ namespace {
 
 using D = ParameterDirection;
 
-const char kNoDriver[] =
-    "the SQLite3 ODBC driver is not registered (odbcinst -q -d); install libsqliteodbc";
+const char kNoDriver[] = "the SQLite3 ODBC driver is not registered; install libsqliteodbc";
 
 // Column names, then each row: "A|B;1|x;2|<NULL>". Dates read as the embedded engine's text.
 std::string Dump(const RowSet& rs) {
@@ -45,7 +44,7 @@ class OdbcBackendTest : public ::testing::Test {
   std::unique_ptr<Backend> backend_;
 };
 
-TEST_F(OdbcBackendTest, ReadsTypedValuesNullAndLongText) {
+TEST_F(OdbcBackendTest, ReadsTypedValuesLongTextEmptyResultsAndTsqlOnSqlite) {
   backend_->Execute(
       "CREATE TABLE T (I INTEGER, B BIGINT, S SMALLINT, F FLOAT, D DECIMAL(10,2), "
       "V VARCHAR(50), W DATETIME, Y DATE, K BIT)");
@@ -70,17 +69,14 @@ TEST_F(OdbcBackendTest, ReadsTypedValuesNullAndLongText) {
   backend_->Execute("CREATE TABLE L (X TEXT, V VARCHAR(10))");
   backend_->Execute("INSERT INTO L VALUES ('" + text + "', '" + text + "')");
   EXPECT_EQ(Dump(backend_->Execute("SELECT X, V FROM L")), "X|V;" + text + "|" + text);
-}
-
-TEST_F(OdbcBackendTest, EmptyResultsAndTsqlOnASqliteDatabase) {
-  backend_->Execute("CREATE TABLE T (N INTEGER, S VARCHAR(10))");
+  backend_->Execute("CREATE TABLE E (N INTEGER, S VARCHAR(10))");
   // An UPDATE that touches nothing answers SQL_NO_DATA, which is no error.
-  EXPECT_TRUE(backend_->Execute("UPDATE T SET S = 'a' WHERE N = 1").columns.empty());
-  EXPECT_EQ(Dump(backend_->Execute("SELECT S FROM T")), "S");  // still names its columns
-  backend_->Execute("INSERT INTO T VALUES (3, NULL), (1, NULL), (2, 'x')");
+  EXPECT_TRUE(backend_->Execute("UPDATE E SET S = 'a' WHERE N = 1").columns.empty());
+  EXPECT_EQ(Dump(backend_->Execute("SELECT S FROM E")), "S");  // still names its columns
+  backend_->Execute("INSERT INTO E VALUES (3, NULL), (1, NULL), (2, 'x')");
   backend_->SetCommandTimeout(30);
   EXPECT_EQ(Dump(backend_->Execute(
-                "SELECT TOP 2 ISNULL(S, 'none') AS S FROM [dbo].[T] WITH (NOLOCK) ORDER BY N")),
+                "SELECT TOP 2 ISNULL(S, 'none') AS S FROM [dbo].[E] WITH (NOLOCK) ORDER BY N")),
             "S;none;x");
 }
 

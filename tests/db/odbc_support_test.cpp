@@ -34,9 +34,7 @@ TEST(OdbcSupportTest, ColumnAndParameterTypes) {
       {SQL_BIGINT, adtype::kDouble},    {SQL_DECIMAL, adtype::kDouble},
       {SQL_BIT, adtype::kBoolean},      {SQL_TYPE_DATE, adtype::kDate},
       {SQL_WVARCHAR, adtype::kVarChar}, {SQL_CHAR, adtype::kVarChar}};
-  for (const auto& [sql_type, ad_type] : parameters) {
-    EXPECT_EQ(AdTypeFromSqlType(sql_type), ad_type) << sql_type;
-  }
+  for (const auto& [type, ad] : parameters) EXPECT_EQ(AdTypeFromSqlType(type), ad) << type;
   std::vector<std::optional<D>> directions;
   for (int column_type : {SQL_PARAM_INPUT, SQL_PARAM_OUTPUT, SQL_PARAM_INPUT_OUTPUT,
                           SQL_RETURN_VALUE, SQL_RESULT_COL, SQL_PARAM_TYPE_UNKNOWN}) {

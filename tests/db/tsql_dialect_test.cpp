@@ -9,15 +9,14 @@ namespace zarvik::db {
 namespace {
 
 TEST(TranslateTest, ComponentTexts) {
-  const std::string kCrLf = "\r\n";
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"SELECT dbo.FNFW_TRASFREVOCATI (1, 5, 'A1', 'B2')",
        "SELECT FNFW_TRASFREVOCATI (1, 5, 'A1', 'B2')"},
       {"SELECT  convert(varchar(25), FW33_DATAORA, 120) AS D  FROM R order by D desc ",
        "SELECT  strftime('%Y-%m-%d %H:%M:%S', FW33_DATAORA) AS D  FROM R order by D desc "},
-      {"     INNER JOIN V WITH (NOLOCK)" + kCrLf +
-           "  ON CONVERT(DECIMAL(2,0), F) = G AND CONVERT(CHAR(10), T) = C",
-       "     INNER JOIN V " + kCrLf + "  ON CAST(F AS NUMERIC) = G AND CAST(T AS TEXT) = C"},
+      {"     INNER JOIN V WITH (NOLOCK)\r\n"
+       "  ON CONVERT(DECIMAL(2,0), F) = G AND CONVERT(CHAR(10), T) = C",
+       "     INNER JOIN V \r\n  ON CAST(F AS NUMERIC) = G AND CAST(T AS TEXT) = C"},
       // A style 120 text shorter than the full stamp is cut.
       {"SELECT convert(varchar(10), D, 120) FROM T",
        "SELECT substr(strftime('%Y-%m-%d %H:%M:%S', D), 1, 10) FROM T"},

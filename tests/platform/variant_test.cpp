@@ -136,7 +136,6 @@ TEST(VariantObjectAndArray, NothingWrongTypesAndSubscripts) {
   EXPECT_TRUE(Variant::Nothing().IsNothing());
   EXPECT_FALSE(Variant(ObjectRef(std::make_shared<Dummy>())).IsNothing());
   EXPECT_EQ(Variant::Nothing().ToObject(), nullptr);
-  EXPECT_TRUE(VariantArray(0, 0, 0, 0).At(0, 0).IsEmpty());
   VariantArray shifted(-2, -1, 5, 6);
   EXPECT_EQ(std::to_string(shifted.LBound(1)) + ".." + std::to_string(shifted.UBound(2)), "-2..6");
   shifted.At(-1, 6) = Variant(int32_t{7});
