@@ -38,8 +38,7 @@ TEST(SystemClockTest, NowIsTodayInLocalTime) {
   localtime_r(&t, &local);
   const double expected = OleDateFromYmd(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday) +
                           (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
-  // A few seconds' tolerance: the clock ticks between the two readings.
-  EXPECT_NEAR(DefaultEnv().clock->Now(), expected, 5.0 / 86400.0);
+  EXPECT_NEAR(DefaultEnv().clock->Now(), expected, 5.0 / 86400.0);  // the clock ticks meanwhile
 }
 
 TEST(MessageSinkTest, StreamWritesOneBlockPerBox) {
