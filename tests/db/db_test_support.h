@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -22,6 +23,7 @@ namespace zarvik::db {
 
 using test::CaughtError;
 using test::ErrorOf;
+using test::ErrorsOf;
 
 inline const char kMemory[] = "Provider=SQLite;Data Source=:memory:";
 // The SQLite ODBC driver under the name Debian's libsqliteodbc gives it.
@@ -39,6 +41,20 @@ inline std::shared_ptr<Connection> OpenConnection(const std::string& connection_
   return connection;
 }
 
+// "number description" of the VbError `f` raised.
+template <typename F>
+std::string Failure(F&& f) {
+  const VbError e = CaughtError(f);
+  return std::to_string(e.Number()) + " " + e.Description();
+}
+
+// The first field's text of what `sql` answers, or "number description" of the error it raises.
+inline std::string Answer(Connection& connection, const std::string& sql) {
+  std::string answer;
+  const VbError e = CaughtError([&] { answer = connection.Execute(sql)->Fields(0).ConcatText(); });
+  return e.Number() == 0 ? answer : std::to_string(e.Number()) + " " + e.Description();
+}
+
 // A stored-procedure command on `connection`.
 inline Command StoredProc(const std::string& name, std::shared_ptr<Connection> connection) {
   Command command;
@@ -48,31 +64,26 @@ inline Command StoredProc(const std::string& name, std::shared_ptr<Connection> c
   return command;
 }
 
-// Registers kOdbcDriver in an odbcinst.ini of the tests' own (ODBCSYSINI) and
-// answers whether the driver manager knows it; call before any other ODBC call.
+// Registers kOdbcDriver in an odbcinst.ini of the process's own (ODBCSYSINI), removed when
+// the process ends, and answers whether the driver manager knows it; call before other ODBC.
 inline bool OdbcDriverInstalled() {
 #ifdef ZARVIK_SQLITE_ODBC_DRIVER
-  const std::string dir = ::testing::TempDir() + "zarvik_odbcinst_" + std::to_string(getpid());
-  ::mkdir(dir.c_str(), 0700);
-  {
-    std::ofstream ini(dir + "/odbcinst.ini", std::ios::trunc);
-    ini << "[" << kOdbcDriver << "]\nDescription=SQLite3 ODBC driver for the tests\n"
-        << "Driver=" << ZARVIK_SQLITE_ODBC_DRIVER << "\n";
-  }
-  ::setenv("ODBCSYSINI", dir.c_str(), 1);
-  // Gone again when the test process ends.
-  static const struct RemoveAtExit {
-    std::string dir;
-    ~RemoveAtExit() {
+  static const struct OdbcInst {
+    const std::string dir = ::testing::TempDir() + "zarvik_odbcinst_" + std::to_string(getpid());
+    OdbcInst() {
+      ::mkdir(dir.c_str(), 0700);
+      std::ofstream(dir + "/odbcinst.ini", std::ios::trunc)
+          << "[" << kOdbcDriver << "]\nDriver=" << ZARVIK_SQLITE_ODBC_DRIVER << "\n";
+      ::setenv("ODBCSYSINI", dir.c_str(), 1);
+    }
+    ~OdbcInst() {
       std::remove((dir + "/odbcinst.ini").c_str());
       ::rmdir(dir.c_str());
     }
-  } remove_at_exit{dir};
+  } odbcinst;
 #endif
-  for (const std::string& name : InstalledOdbcDrivers()) {
-    if (name == kOdbcDriver) return true;
-  }
-  return false;
+  const std::vector<std::string> drivers = InstalledOdbcDrivers();
+  return std::find(drivers.begin(), drivers.end(), kOdbcDriver) != drivers.end();
 }
 
 // A database file of the running test's own, removed before and after.
@@ -84,12 +95,10 @@ class TempDbFile {
     std::remove(path_.c_str());
   }
   ~TempDbFile() { std::remove(path_.c_str()); }
-  TempDbFile(const TempDbFile&) = delete;
-  TempDbFile& operator=(const TempDbFile&) = delete;
   const std::string& path() const { return path_; }
 
  private:
-  std::string path_;
+  const std::string path_;
 };
 
 }  // namespace zarvik::db

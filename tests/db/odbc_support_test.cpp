@@ -4,10 +4,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
-#include <optional>
-#include <string>
 #include <tuple>
-#include <vector>
 
 namespace zarvik::db::odbc {
 namespace {
@@ -37,21 +34,16 @@ TEST(OdbcSupportTest, ColumnAndParameterTypes) {
       {SQL_BIGINT, adtype::kDouble},    {SQL_DECIMAL, adtype::kDouble},
       {SQL_BIT, adtype::kBoolean},      {SQL_TYPE_DATE, adtype::kDate},
       {SQL_WVARCHAR, adtype::kVarChar}, {SQL_CHAR, adtype::kVarChar}};
-  for (const auto& [sql_type, ad_type] : parameters) {
-    EXPECT_EQ(AdTypeFromSqlType(sql_type), ad_type) << sql_type;
+  for (const auto& [type, ad] : parameters) EXPECT_EQ(AdTypeFromSqlType(type), ad) << type;
+  std::vector<std::optional<D>> directions;
+  for (int column_type : {SQL_PARAM_INPUT, SQL_PARAM_OUTPUT, SQL_PARAM_INPUT_OUTPUT,
+                          SQL_RETURN_VALUE, SQL_RESULT_COL, SQL_PARAM_TYPE_UNKNOWN}) {
+    directions.push_back(DirectionFromColumnType(column_type));
   }
-  const std::vector<std::pair<int, std::optional<D>>> directions = {
-      {SQL_PARAM_INPUT, D::kInput},
-      {SQL_PARAM_OUTPUT, D::kOutput},
-      {SQL_PARAM_INPUT_OUTPUT, D::kInputOutput},
-      {SQL_RETURN_VALUE, D::kReturnValue},
-      {SQL_RESULT_COL, std::nullopt},
-      {SQL_PARAM_TYPE_UNKNOWN, std::nullopt}};
-  for (const auto& [column_type, direction] : directions) {
-    EXPECT_EQ(DirectionFromColumnType(column_type), direction) << column_type;
-  }
-  EXPECT_EQ(ParameterName("@GruppoPDC"), "@GruppoPDC");
-  EXPECT_EQ(ParameterName("GruppoPDC"), "@GruppoPDC");
+  EXPECT_EQ(directions,
+            (std::vector<std::optional<D>>{D::kInput, D::kOutput, D::kInputOutput, D::kReturnValue,
+                                           std::nullopt, std::nullopt}));
+  EXPECT_EQ(ParameterName("@GruppoPDC") + ParameterName("GruppoPDC"), "@GruppoPDC@GruppoPDC");
 }
 
 TEST(OdbcSupportTest, CallEscapesNamesAndPatterns) {
@@ -67,20 +59,15 @@ TEST(OdbcSupportTest, CallEscapesNamesAndPatterns) {
                                         p("@B", D::kOutput)}),
             "{? = call SP_X(?, ?)}");
   EXPECT_EQ(BuildProcedureCall("SP_X", {p("@RETURN_VALUE", D::kReturnValue)}), "{? = call SP_X}");
-  // Input, schema, name.
-  const std::vector<std::tuple<const char*, const char*, const char*>> names = {
-      {"SPFW_X", "", "SPFW_X"},
-      {"dbo.SPFW_X", "dbo", "SPFW_X"},
-      {"[my.schema].[odd.name]", "my.schema", "odd.name"},
-      {"erp.dbo.SPFW_X", "dbo", "SPFW_X"},
-      {"[SPFW_X]", "", "SPFW_X"}};
-  for (const auto& [input, schema, name] : names) {
-    const QualifiedName split = SplitProcedureName(input);
-    EXPECT_EQ(split.schema + "|" + split.name, std::string(schema) + "|" + name) << input;
+  std::string split;  // schema|name of each
+  for (const char* input :
+       {"SPFW_X", "dbo.SPFW_X", "[my.schema].[odd.name]", "erp.dbo.SPFW_X", "[SPFW_X]"}) {
+    split += SplitProcedureName(input).schema + "|" + SplitProcedureName(input).name + " ";
   }
-  EXPECT_EQ(EscapeSearchPattern("SPFW_Get%Info", "\\"), "SPFW\\_Get\\%Info");
-  EXPECT_EQ(EscapeSearchPattern("a\\b", "\\"), "a\\\\b");
-  EXPECT_EQ(EscapeSearchPattern("SPFW_X", ""), "SPFW_X");
+  EXPECT_EQ(split, "|SPFW_X dbo|SPFW_X my.schema|odd.name dbo|SPFW_X |SPFW_X ");
+  EXPECT_EQ(EscapeSearchPattern("SPFW_Get%Info", "\\") + " " + EscapeSearchPattern("a\\b", "\\") +
+                " " + EscapeSearchPattern("SPFW_X", ""),
+            "SPFW\\_Get\\%Info a\\\\b SPFW_X");
 }
 
 TEST(OdbcSupportTest, DateFieldsConvertToOleDates) {
@@ -91,21 +78,16 @@ TEST(OdbcSupportTest, DateFieldsConvertToOleDates) {
       {{1899, 12, 28, 12, 0, 0, 0}, -2.5}};
   for (const auto& [fields, oa] : cases) {
     EXPECT_DOUBLE_EQ(OleDateFromFields(fields), oa);
-    const DateTimeFields back = FieldsFromOleDate(oa);
-    EXPECT_EQ(std::vector<int>({back.year, back.month, back.day, back.hour, back.minute}),
-              std::vector<int>({fields.year, fields.month, fields.day, fields.hour, 0}))
-        << oa;
+    EXPECT_EQ(DateText(FieldsFromOleDate(oa)), DateText(fields)) << oa;
   }
   // Milliseconds are kept, and a time never spills into the next day.
   const double oa = OleDateFromFields({2024, 3, 5, 10, 11, 12, 345000000});
   EXPECT_NEAR(oa, 45356 + (10 * 3600 + 11 * 60 + 12.345) / 86400.0, 1e-9);
   EXPECT_EQ(FieldsFromOleDate(oa).fraction_ns, 345000000u);
-  const DateTimeFields late = FieldsFromOleDate(45356 + 0.9999999999);
-  EXPECT_EQ(std::vector<int>({late.day, late.hour, late.minute, late.second}),
-            std::vector<int>({5, 23, 59, 59}));
-  EXPECT_EQ(DateText({2024, 3, 5, 0, 0, 0, 0}), "2024-03-05");  // no midnight time
-  EXPECT_EQ(DateText({2024, 3, 5, 7, 8, 9, 500000000}), "2024-03-05 07:08:09");
-  EXPECT_EQ(DateText({999, 1, 2, 0, 0, 1, 0}), "0999-01-02 00:00:01");
+  EXPECT_EQ(DateText(FieldsFromOleDate(45356 + 0.9999999999)), "2024-03-05 23:59:59");
+  EXPECT_EQ(DateText({2024, 3, 5, 0, 0, 0, 0}) + "|" + DateText({2024, 3, 5, 7, 8, 9, 500000000}) +
+                "|" + DateText({999, 1, 2, 0, 0, 1, 0}),
+            "2024-03-05|2024-03-05 07:08:09|0999-01-02 00:00:01");  // no midnight time
 }
 
 TEST(OdbcSupportTest, NamedParametersBecomeMarkersOutsideQuotesAndComments) {

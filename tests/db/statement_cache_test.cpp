@@ -1,19 +1,11 @@
-// The prepared statements an embedded connection keeps.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-
-#include <memory>
-#include <string>
 
 #include "db/sqlite_statement_cache.h"
 #include "db_test_support.h"
 
 namespace zarvik::db {
 namespace {
-
-struct DbCloser {
-  void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
-};
 
 class StatementCacheTest : public ::testing::Test {
  protected:
@@ -34,18 +26,9 @@ class StatementCacheTest : public ::testing::Test {
     return lease;
   }
 
-  std::unique_ptr<sqlite3, DbCloser> db_;
+  std::unique_ptr<sqlite3, decltype(&sqlite3_close_v2)> db_{nullptr, sqlite3_close_v2};
   std::unique_ptr<SqliteStatementCache> cache_;
 };
-
-TEST(HoldsNoStatement, OnlyBlanksSemicolonsAndComments) {
-  for (const char* tail : {"", " ;\n\t; ", "-- note", "-- a\n;/* b */ ", "/* open"}) {
-    EXPECT_TRUE(HoldsNoStatement(tail)) << tail;
-  }
-  for (const char* tail : {"; SELECT 1", "-- a\nX", "/* b */ X", "- 1"}) {
-    EXPECT_FALSE(HoldsNoStatement(tail)) << tail;
-  }
-}
 
 TEST_F(StatementCacheTest, AKeptStatementComesBackResetAndUnbound) {
   const std::string text = "SELECT X FROM T WHERE X >= ?1 ORDER BY X; -- the first rows";

@@ -7,15 +7,10 @@
 #include <vector>
 
 #include "platform/message_sink.h"
-#include "platform/object.h"
-#include "platform/platform_test_support.h"
-#include "platform/variant.h"
 #include "platform/vb_error.h"
 
 namespace zarvik {
 namespace {
-
-using test::ErrorOf;
 
 TEST(OleDateTest, CalendarTable) {
   const std::vector<std::pair<std::vector<int>, double>> cases = {
@@ -43,10 +38,7 @@ TEST(SystemClockTest, NowIsTodayInLocalTime) {
   localtime_r(&t, &local);
   const double expected = OleDateFromYmd(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday) +
                           (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
-  // A few seconds' tolerance: the clock ticks between the two readings.
-  EXPECT_NEAR(DefaultEnv().clock->Now(), expected, 5.0 / 86400.0);
-  // Each call gives its own sink: nothing is shared between objects.
-  EXPECT_NE(DefaultMessageSink(), DefaultMessageSink());
+  EXPECT_NEAR(DefaultEnv().clock->Now(), expected, 5.0 / 86400.0);  // the clock ticks meanwhile
 }
 
 TEST(MessageSinkTest, StreamWritesOneBlockPerBox) {
@@ -89,21 +81,8 @@ TEST(VbErrorTest, NumbersCarryVbTexts) {
     EXPECT_STREQ(VbError(number).what(), text);
   }
   const VbError own(vberr::kProviderError, "Incorrect syntax near 'FROM'.");
-  EXPECT_EQ(own.Number(), -2147217900);
-  EXPECT_EQ(own.Description(), "Incorrect syntax near 'FROM'.");
-}
-
-class Bare : public Object {
- public:
-  std::string TypeName() const override { return "Bare"; }
-};
-
-TEST(ObjectTest, UnknownMembersRaise438) {
-  Bare obj;
-  std::vector<Variant> args{Variant(int32_t{1})};
-  EXPECT_EQ(ErrorOf([&] { obj.GetProperty("Connection"); }), vberr::kNotSupported);
-  EXPECT_EQ(ErrorOf([&] { obj.PutProperty("Connection", Variant()); }), vberr::kNotSupported);
-  EXPECT_EQ(ErrorOf([&] { obj.CallMethod("Open", args); }), vberr::kNotSupported);
+  EXPECT_EQ(std::to_string(own.Number()) + " " + own.what(),
+            "-2147217900 Incorrect syntax near 'FROM'.");
 }
 
 }  // namespace

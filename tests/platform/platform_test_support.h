@@ -3,6 +3,8 @@
 #define ZARVIK_TESTS_PLATFORM_PLATFORM_TEST_SUPPORT_H_
 
 #include <cstdint>
+#include <functional>
+#include <vector>
 
 #include "platform/vb_error.h"
 
@@ -23,6 +25,13 @@ VbError CaughtError(F&& f) {
 template <typename F>
 int32_t ErrorOf(F&& f) {
   return CaughtError(f).Number();
+}
+
+// The error number each call raised, 0 for one that raised none.
+inline std::vector<int32_t> ErrorsOf(const std::vector<std::function<void()>>& calls) {
+  std::vector<int32_t> numbers;
+  for (const auto& call : calls) numbers.push_back(ErrorOf(call));
+  return numbers;
 }
 
 }  // namespace zarvik::test

@@ -2,23 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
-#include <cstdint>
-#include <memory>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "platform/platform_test_support.h"
-#include "platform/vb_error.h"
 
 namespace zarvik {
 namespace {
 
 using test::ErrorOf;
+using test::ErrorsOf;
 
-class Dummy : public Object {
- public:
+struct Dummy : Object {
   std::string TypeName() const override { return "Dummy"; }
 };
 
@@ -26,14 +20,20 @@ const int32_t kOv = vberr::kOverflow;
 const int32_t kTm = vberr::kTypeMismatch;
 const int32_t kNu = vberr::kInvalidUseOfNull;
 
+// What `f` answers, as CStr writes it, or "#n" for the VB error n it raised.
+template <typename F>
+std::string Try(F&& f) {
+  std::string text;
+  const int32_t error = ErrorOf([&] { text = Variant(f()).ToString(); });
+  return error != 0 ? "#" + std::to_string(error) : text;
+}
+
 // CStr. Just before midnight rounds to the next day rather than to "24:00:00".
 TEST(VariantToString, ConversionTable) {
   const std::vector<std::pair<Variant, std::string>> cases = {
       {Variant(), ""},
       {Variant(true), "True"},
       {Variant(int16_t{-32768}), "-32768"},
-      {Variant(int32_t{2147483647}), "2147483647"},
-      {Variant(2.0), "2"},
       {Variant(-0.0), "0"},
       {Variant(2.0 / 3.0), "0.666666666666667"},
       {Variant(0.1 + 0.2), "0.3"},
@@ -47,17 +47,12 @@ TEST(VariantToString, ConversionTable) {
       {Variant::Date(45306.5), "2024-01-15 12:00:00"},
       {Variant::Date(0.75), "18:00:00"},
       {Variant::Date(-1.25), "1899-12-29 06:00:00"},
-      {Variant::Date(36526.0 + 86399.6 / 86400.0), "2000-01-02"}};
-  for (const auto& [value, text] : cases) EXPECT_EQ(value.ToString(), text);
-  EXPECT_EQ(ErrorOf([] { Variant::Null().ToString(); }), kNu);
-  for (const Variant& other : {Variant(ObjectRef(std::make_shared<Dummy>())), Variant::Nothing(),
-                               Variant(std::make_shared<VariantArray>(0, 0, 0, 0))}) {
-    EXPECT_EQ(ErrorOf([&] { other.ToString(); }), kTm);
-  }
-  // Concatenation reads Null as "".
-  EXPECT_EQ(Variant::Null().ConcatText(), "");
-  EXPECT_EQ(Variant(int32_t{42}).ConcatText(), "42");
-  EXPECT_EQ(ErrorOf([] { Variant::Nothing().ConcatText(); }), kTm);
+      {Variant::Date(36526.0 + 86399.6 / 86400.0), "2000-01-02"},
+      {Variant::Null(), "#94"},
+      {Variant::Nothing(), "#13"},
+      {Variant(ObjectRef(std::make_shared<Dummy>())), "#13"},
+      {Variant(std::make_shared<VariantArray>(0, 0, 0, 0)), "#13"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(Try([&] { return value.ToString(); }), text);
 }
 
 // CInt and CLng: banker's rounding, the 16- and 32-bit boundaries, text as a number.
@@ -84,66 +79,48 @@ TEST(VariantToInteger, ConversionTable) {
       {Variant("12abc"), kTm},       {Variant("1,000"), kTm},      {Variant("1e"), kTm},
       {Variant("&H"), kTm},          {Variant("&O8"), kTm},        {Variant("True"), kTm},
       {Variant::Nothing(), kTm}};
-  for (size_t i = 0; i < both.size(); ++i) {
-    EXPECT_EQ(both[i].first.ToInteger(), both[i].second) << i;
-    EXPECT_EQ(both[i].first.ToLong(), both[i].second) << i;
-  }
-  for (size_t i = 0; i < long_only.size(); ++i) {
-    EXPECT_EQ(ErrorOf([&] { long_only[i].first.ToInteger(); }), kOv) << i;
-    EXPECT_EQ(long_only[i].first.ToLong(), long_only[i].second) << i;
-  }
-  for (size_t i = 0; i < failing.size(); ++i) {
-    EXPECT_EQ(ErrorOf([&] { failing[i].first.ToInteger(); }), failing[i].second) << i;
-    EXPECT_EQ(ErrorOf([&] { failing[i].first.ToLong(); }), failing[i].second) << i;
-  }
-  // &HFFFF is -1 as a 16-bit value and 65535 as a 32-bit one.
-  EXPECT_EQ(Variant("&HFFFF").ToInteger(), -1);
-  EXPECT_EQ(Variant("&HFFFF").ToLong(), 65535);
+  // "CInt CLng" of a value, each the number or #error.
+  const auto cint_clng = [](const Variant& v) {
+    return Try([&] { return v.ToInteger(); }) + " " + Try([&] { return v.ToLong(); });
+  };
+  const auto n = [](int32_t value) { return std::to_string(value); };
+  for (const auto& [v, i] : both) EXPECT_EQ(cint_clng(v), n(i) + " " + n(i));
+  for (const auto& [v, l] : long_only) EXPECT_EQ(cint_clng(v), "#6 " + n(l));
+  for (const auto& [v, e] : failing) EXPECT_EQ(cint_clng(v), "#" + n(e) + " #" + n(e));
+  EXPECT_EQ(cint_clng(Variant("&HFFFF")), "-1 65535");  // 16-bit, 32-bit
 }
 
 TEST(VariantToDouble, ReadsNumbersAndNumericText) {
-  EXPECT_EQ(Variant(true).ToDouble(), -1.0);
-  EXPECT_EQ(Variant("-4.5e-1").ToDouble(), -0.45);
-  EXPECT_EQ(Variant("1e-400").ToDouble(), 0.0);
-  EXPECT_EQ(Variant("0e999").ToDouble(), 0.0);
-  EXPECT_EQ(ErrorOf([] { Variant("-123.4e307").ToDouble(); }), kOv);
-  EXPECT_EQ(ErrorOf([] { Variant("0.001e312").ToDouble(); }), kOv);
-  EXPECT_EQ(ErrorOf([] { Variant::Null().ToDouble(); }), kNu);
-  EXPECT_EQ(ErrorOf([] { Variant("x1").ToDouble(); }), kTm);
+  EXPECT_EQ((std::vector<double>{Variant(true).ToDouble(), Variant("-4.5e-1").ToDouble(),
+                                 Variant("1e-400").ToDouble(), Variant("0e999").ToDouble()}),
+            (std::vector<double>{-1.0, -0.45, 0.0, 0.0}));
+  EXPECT_EQ(
+      ErrorsOf({[] { Variant("-123.4e307").ToDouble(); }, [] { Variant("0.001e312").ToDouble(); },
+                [] { Variant::Null().ToDouble(); }, [] { Variant("x1").ToDouble(); }}),
+      (std::vector<int32_t>{kOv, kOv, kNu, kTm}));
 }
 
 TEST(VariantToBool, ConversionTable) {
-  const std::vector<std::pair<Variant, int32_t>> cases = {// 1 True, 0 False, else the error
-                                                          {Variant(int32_t{2}), 1},
-                                                          {Variant(-0.1), 1},
-                                                          {Variant("tRUE"), 1},
-                                                          {Variant("-1"), 1},
-                                                          {Variant(), 0},
-                                                          {Variant(int16_t{0}), 0},
-                                                          {Variant(" false "), 0},
-                                                          {Variant("0.0"), 0},
-                                                          {Variant("yes"), kTm},
-                                                          {Variant(""), kTm},
-                                                          {Variant::Nothing(), kTm},
-                                                          {Variant::Null(), kNu}};
-  for (size_t i = 0; i < cases.size(); ++i) {
-    bool answer = false;
-    const int32_t error = ErrorOf([&] { answer = cases[i].first.ToBool(); });
-    EXPECT_EQ(error != 0 ? error : int32_t{answer}, cases[i].second) << i;
-  }
+  const std::vector<std::pair<Variant, std::string>> cases = {
+      {Variant(int32_t{2}), "True"}, {Variant(-0.1), "True"},     {Variant("tRUE"), "True"},
+      {Variant("-1"), "True"},       {Variant(), "False"},        {Variant(int16_t{0}), "False"},
+      {Variant(" false "), "False"}, {Variant("0.0"), "False"},   {Variant("yes"), "#13"},
+      {Variant(""), "#13"},          {Variant::Nothing(), "#13"}, {Variant::Null(), "#94"}};
+  for (const auto& [value, answer] : cases) EXPECT_EQ(Try([&] { return value.ToBool(); }), answer);
 }
 
 TEST(VariantToDate, ReadsTheInvariantTextItWrites) {
   for (const double oa : {45306.0, 45306.5, 0.75, -1.25, 36526.0 + 3723.0 / 86400.0}) {
     EXPECT_NEAR(Variant(Variant::Date(oa).ToString()).ToDate(), oa, 1e-9);
   }
-  EXPECT_EQ(Variant(" 2024-01-15 ").ToDate(), 45306.0);
-  EXPECT_EQ(Variant(int32_t{3}).ToDate(), 3.0);
+  EXPECT_EQ(Try([] { return Variant(" 2024-01-15 ").ToDate(); }) + " " +
+                Try([] { return Variant(int32_t{3}).ToDate(); }) + " " +
+                Try([] { return Variant::Null().ToDate(); }),
+            "45306 3 #94");
   for (const char* bad : {"2023-02-30", "2024-13-01", "2024-1-15", "15/01/2024", "25:00",
                           "2024-01-15T10:00:00", "2024-01-15 10:00:61", ""}) {
-    EXPECT_EQ(ErrorOf([&] { Variant(bad).ToDate(); }), kTm) << bad;
+    EXPECT_EQ(Try([&] { return Variant(bad).ToDate(); }), "#13") << bad;
   }
-  EXPECT_EQ(ErrorOf([] { Variant::Null().ToDate(); }), kNu);
 }
 
 TEST(VariantIsNumeric, FollowsVb) {
@@ -152,30 +129,25 @@ TEST(VariantIsNumeric, FollowsVb) {
       {Variant::Date(1), false},  {Variant(" -1.5e3 "), true}, {Variant("&H1F"), true},
       {Variant(""), false},       {Variant("1 2"), false},     {Variant("1e999"), false},
       {Variant::Nothing(), false}};
-  for (size_t i = 0; i < cases.size(); ++i)
-    EXPECT_EQ(cases[i].first.IsNumeric(), cases[i].second) << i;
+  for (const auto& [value, numeric] : cases) EXPECT_EQ(value.IsNumeric(), numeric);
 }
 
 TEST(VariantObjectAndArray, NothingWrongTypesAndSubscripts) {
   EXPECT_TRUE(Variant::Nothing().IsNothing());
   EXPECT_FALSE(Variant(ObjectRef(std::make_shared<Dummy>())).IsNothing());
   EXPECT_EQ(Variant::Nothing().ToObject(), nullptr);
-  EXPECT_EQ(ErrorOf([] { Variant("x").ToObject(); }), kTm);
-  EXPECT_EQ(ErrorOf([] { Variant().ToArray(); }), kTm);
-  EXPECT_TRUE(VariantArray(0, 0, 0, 0).At(0, 0).IsEmpty());
   VariantArray shifted(-2, -1, 5, 6);
-  EXPECT_EQ(shifted.LBound(1), -2);
-  EXPECT_EQ(shifted.UBound(2), 6);
+  EXPECT_EQ(std::to_string(shifted.LBound(1)) + ".." + std::to_string(shifted.UBound(2)), "-2..6");
   shifted.At(-1, 6) = Variant(int32_t{7});
   EXPECT_EQ(shifted.At(-1, 6).ToLong(), 7);
   EXPECT_TRUE(shifted.At(-2, 6).IsEmpty());
-  for (const auto& [i, j] :
-       std::vector<std::pair<int32_t, int32_t>>{{-3, 5}, {0, 5}, {-2, 4}, {-2, 7}}) {
-    EXPECT_EQ(ErrorOf([&] { shifted.At(i, j); }), vberr::kSubscriptOutOfRange) << i << "," << j;
-  }
-  EXPECT_EQ(ErrorOf([&] { shifted.LBound(3); }), vberr::kSubscriptOutOfRange);
-  EXPECT_EQ(ErrorOf([&] { shifted.UBound(0); }), vberr::kSubscriptOutOfRange);
-  EXPECT_EQ(ErrorOf([] { VariantArray(0, -1, 0, 0); }), vberr::kSubscriptOutOfRange);
+  const int32_t kSub = vberr::kSubscriptOutOfRange;
+  EXPECT_EQ(
+      ErrorsOf({[] { Variant("x").ToObject(); }, [] { Variant().ToArray(); },
+                [&] { shifted.At(-3, 5); }, [&] { shifted.At(0, 5); }, [&] { shifted.At(-2, 4); },
+                [&] { shifted.At(-2, 7); }, [&] { shifted.LBound(3); }, [&] { shifted.UBound(0); },
+                [] { VariantArray(0, -1, 0, 0); }}),
+      (std::vector<int32_t>{kTm, kTm, kSub, kSub, kSub, kSub, kSub, kSub, kSub}));
 }
 
 // VB's = on Variants; text against text compares binary, as text.
@@ -195,20 +167,19 @@ TEST(VbCompareTest, ComparisonTable) {
       {Variant(" 10 "), Variant(int32_t{10}), 0},
       {Variant(true), Variant("True"), 0},
       {Variant(true), Variant("0"), -1}};
-  for (size_t i = 0; i < cases.size(); ++i) {
-    const auto& [a, b, expected] = cases[i];
-    EXPECT_EQ(VbCompare(a, b), expected) << i;
-    EXPECT_EQ(VbCompare(b, a), -expected) << i;  // antisymmetric
-    EXPECT_EQ(VbEquals(a, b), expected == 0) << i;
+  for (const auto& [a, b, expected] : cases) {
+    EXPECT_EQ(VbCompare(a, b), expected) << a.ConcatText() << " vs " << b.ConcatText();
+    EXPECT_EQ(VbCompare(b, a), -expected) << a.ConcatText();  // antisymmetric
+    EXPECT_EQ(VbEquals(a, b), expected == 0) << a.ConcatText();
   }
   // Null makes any comparison unknown, in either direction.
   for (const Variant& other : {Variant::Null(), Variant(), Variant("a")}) {
-    EXPECT_FALSE(VbCompare(Variant::Null(), other).has_value());
-    EXPECT_FALSE(VbCompare(other, Variant::Null()).has_value());
-    EXPECT_FALSE(VbEquals(other, Variant::Null()));
+    EXPECT_FALSE(VbCompare(Variant::Null(), other) || VbCompare(other, Variant::Null()) ||
+                 VbEquals(other, Variant::Null()));
   }
-  EXPECT_EQ(ErrorOf([] { VbCompare(Variant(int32_t{1}), Variant("abc")); }), kTm);
-  EXPECT_EQ(ErrorOf([] { VbCompare(Variant::Nothing(), Variant(int32_t{0})); }), kTm);
+  EXPECT_EQ(ErrorsOf({[] { VbCompare(Variant(int32_t{1}), Variant("abc")); },
+                      [] { VbCompare(Variant::Nothing(), Variant(int32_t{0})); }}),
+            (std::vector<int32_t>{kTm, kTm}));
 }
 
 }  // namespace
