@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,9 +21,6 @@
 #include "rewriter/rewriter_probe.h"
 
 namespace zarvik::testing {
-
-// A code FW07_APPUSER does not know: the lookup keeps the id the test set.
-inline constexpr const char* kUnknownUser = "ORDINARIO";
 
 // Both user codes; the group is the demo user's, or VEN for other codes.
 inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string& group = "") {
@@ -53,6 +51,23 @@ inline std::string CliForCondition(const std::string& q, int user_id = 5) {
          "CG44_CLIFOR     AND RVKUTENTE = " + std::to_string(user_id) + "  )  ";
 }
 
+// The 16-bit fields of a rights record in declared order: 'T' True, 'F' False.
+template <class Record>
+std::string Flags(const Record& record) {
+  int16_t fields[sizeof(Record) / sizeof(int16_t)];
+  std::memcpy(fields, &record, sizeof fields);
+  std::string flags;
+  for (int16_t f : fields) flags += f == -1 ? 'T' : f == 0 ? 'F' : '?';
+  return flags;
+}
+
+// Boolean answers as 'T' and 'F', in order.
+inline std::string TF(std::initializer_list<bool> answers) {
+  std::string text;
+  for (bool a : answers) text += a ? 'T' : 'F';
+  return text;
+}
+
 struct ParserSession {
   explicit ParserSession(const std::string& user = "", std::shared_ptr<db::Connection> database =
                                                            demo::OpenDemoDatabase(":memory:"))
@@ -66,8 +81,9 @@ struct ParserSession {
   void AsUser(const std::string& code, const std::string& group = "") {
     SetUser(parser, code, group);
   }
+  // A code FW07_APPUSER does not know: the lookup keeps the id the test set.
   void AsUnknownUserWithId(int32_t id) {
-    AsUser(kUnknownUser);
+    AsUser("ORDINARIO");
     parser.SetIdUser(id);
   }
   // Another parser on the same database and message boxes.

@@ -14,23 +14,7 @@
 namespace zarvik {
 namespace {
 
-// The fields of a record in declared order, 'T' for True, 'F' for False.
-std::string Flags(std::initializer_list<int16_t> fields) {
-  std::string flags;
-  for (int16_t f : fields) flags += f == kVbTrue ? 'T' : f == kVbFalse ? 'F' : '?';
-  return flags;
-}
-std::string Flags(const tsRvkTipiMov& r) { return Flags({r.Cons, r.DaCons, r.Prev, r.PrevSim}); }
-std::string Flags(const tsRvkConsMov& r) { return Flags({r.DaCons_Cons, r.Prev_Cons}); }
-std::string Flags(const tsRvkFamiglia& r) {
-  return Flags({r.rvkExists, r.CanDelete, r.CanUpdate, r.CanInsert});
-}
-std::string Flags(const tsRvkDocumenti& r) {
-  return Flags({r.rvkExists, r.CanDelete, r.CanUpdate, r.CanInsert});
-}
-std::string Flags(const tsRvkConfig& r) {
-  return Flags({r.Abilitato, r.CanDelete, r.CanUpdate, r.CanInsert});
-}
+using testing::Flags;
 
 // PermessiDocTipologie, which must leave its by-reference arguments alone.
 std::string Documents(CLSFW_PARSER& p, const std::string& code, int16_t personalised) {

@@ -1,5 +1,4 @@
-// The rights rule as a table, and the production document and operation
-// codes of the activity check.
+// The rights rule, and the production document and operation codes.
 #include "parser/checks/rights_rule.h"
 
 #include <gtest/gtest.h>
@@ -9,17 +8,13 @@
 
 #include "parser/checks/production_activity.h"
 #include "parser/checks/rights_records.h"
+#include "parser/parser_test_support.h"
 #include "platform/vb_error.h"
 
 namespace zarvik::checks {
 namespace {
 
-// The four fields, 'T' for True, 'F' for False.
-std::string Flags(int16_t a, int16_t b, int16_t c, int16_t d) {
-  std::string flags;
-  for (int16_t f : {a, b, c, d}) flags += f == kVbTrue ? 'T' : f == kVbFalse ? 'F' : '?';
-  return flags;
-}
+using zarvik::testing::Flags;
 
 TEST(RightsRuleTest, RowFlagsGiveTheRights) {
   const Variant null = Variant::Null();
@@ -43,17 +38,12 @@ TEST(RightsRuleTest, RowFlagsGiveTheRights) {
   for (const auto& c : cases) {
     tsRvkConfig config;
     ApplyRightsRule(c.row, config);
-    EXPECT_EQ(Flags(config.Abilitato, config.CanDelete, config.CanUpdate, config.CanInsert),
-              c.expected)
-        << c.what;
+    EXPECT_EQ(Flags(config), c.expected) << c.what;
     // The document record gets the same rights; its first field says that
     // a row exists, revoked or not.
     tsRvkDocumenti documents;
     ApplyRightsRule(c.row, documents);
-    EXPECT_EQ(
-        Flags(documents.rvkExists, documents.CanDelete, documents.CanUpdate, documents.CanInsert),
-        "T" + std::string(c.expected).substr(1))
-        << c.what;
+    EXPECT_EQ(Flags(documents), "T" + std::string(c.expected).substr(1)) << c.what;
   }
 }
 
@@ -68,7 +58,7 @@ TEST(RightsRuleTest, FlagThatCannotBeAssignedLeavesTheRecordHalfWay) {
   } catch (const VbError& error) {
     EXPECT_EQ(error.Number(), vberr::kInvalidUseOfNull);
   }
-  EXPECT_EQ(Flags(record.Abilitato, record.CanDelete, record.CanUpdate, record.CanInsert), "TFTT");
+  EXPECT_EQ(Flags(record), "TFTT");
   tsRvkDocumenti documents;
   EXPECT_THROW(ApplyRightsRule({"abc", 1, 1, 1}, documents), VbError);
   // Sixteen bits per field, in declared order, nothing between them.

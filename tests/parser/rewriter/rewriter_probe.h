@@ -20,13 +20,9 @@ class RewriterProbe {
     return condition;
   }
   static int16_t TipoCFHint(const CLSFW_PARSER& p) { return p.tipo_cf_hint_; }
-  static bool CliForDone(const CLSFW_PARSER& p) { return p.clifor_done_; }
-  static void SetCliForDone(CLSFW_PARSER& p, bool value) { p.clifor_done_ = value; }
-  static const std::string& CurrentAlias(const CLSFW_PARSER& p) { return p.current_alias_; }
   static void SetCurrentAlias(CLSFW_PARSER& p, const std::string& alias) {
     p.current_alias_ = alias;
   }
-  static bool FromRewriter(const CLSFW_PARSER& p) { return p.from_rewriter_; }
   static void SetFromRewriter(CLSFW_PARSER& p, bool value) { p.from_rewriter_ = value; }
   static std::string AgentRule(const CLSFW_PARSER& p) { return p.AgentRule(); }
 
