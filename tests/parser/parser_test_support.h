@@ -30,20 +30,6 @@ inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string&
   p.SetCodiceUtenteCLIFOR(code);
 }
 
-// The VFW31_RVKPARAMETRI test of one kind, as the dispatch writes it.
-inline std::string Vfw31(const std::string& negation, int kind, const std::string& scope,
-                         const std::string& code) {
-  return negation + " EXISTS(SELECT *  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND " +
-         "FW31_INDTIPO = " + std::to_string(kind) + "  AND FW31_FLGABILITATO = 0  AND " +
-         "FW31_DITTARAGG = " + scope + "  AND FW31_CODTIPO = " + code + ") ";
-}
-
-// The project-node test, without its negation.
-inline const std::string kNodi =
-    " EXISTS(SELECT *  FROM VFW3N_RVKNODI  WHERE FW3N_ID_FW07 = 5  AND FW3N_DITTA_CG18 = "
-    "PD0C_DITTA_CG18  AND FW3N_CODNODO = PD0C_CODNODO  AND FW3N_CODPROG_PD68 = "
-    "PD0C_CODPROG_PD68) ";
-
 // The customer/supplier condition with its CG44 columns qualified by `q`.
 inline std::string CliForCondition(const std::string& q, int user_id = 5) {
   return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + q +
@@ -142,6 +128,12 @@ struct ParserSession {
 };
 
 class ParserTest : public ::testing::Test, public ParserSession {};
+
+// ROSSI's condition for a table prefix (the rewrite digest pins it).
+inline std::string RossiTableText(const std::string& prefix) {
+  static ParserSession rossi("ROSSI");
+  return RewriterProbe::Table(rossi.parser, prefix);
+}
 
 }  // namespace zarvik::testing
 

@@ -57,47 +57,41 @@ struct ConditionCase {
   S and_prefix = " AND ";  // what inserire_and puts before it
 };
 
+// A builder called with inserire_and `a`.
+#define BUILDER(call) [](P& p, bool a) { return p.call; }
+
 const std::vector<ConditionCase>& Cases() {
   static const std::vector<ConditionCase> cases = {
-      {"CliFor", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionCliFor("CG44", a); },
+      {"CliFor", Compares::kClifor, BUILDER(SQLConditionCliFor("CG44", a)),
        CliFor("CG44_DITTA_CG18", "CG44_TIPOCF", "CG44_CLIFOR")},
-      {"DocMG36", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionDocMG36("MG36_CODDOCUM", a); }, ""},
-      {"Contesto", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionContesto("C.X", a); },
+      {"DocMG36", Compares::kClifor, BUILDER(SQLConditionDocMG36("MG36_CODDOCUM", a)), ""},
+      {"Contesto", Compares::kClifor, BUILDER(SQLConditionContesto("C.X", a)),
        Kind("20", "-1 ", "C.X")},
-      {"Insiemi", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionInsiemi("I.X", a); },
+      {"Insiemi", Compares::kClifor, BUILDER(SQLConditionInsiemi("I.X", a)),
        Kind("29", "-1 ", "I.X")},
-      {"Progetto", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionProgetto("PX", a); },
-       Kind("8", "1", "PX")},
+      {"Progetto", Compares::kClifor, BUILDER(SQLConditionProgetto("PX", a)), Kind("8", "1", "PX")},
       {"TracciatiImport", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionTracciatiImport("T.S", Variant("T.C"), a); },
-       Kind("27", "T.S", "T.C")},
-      {"TracciatiExport", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionTracciatiExport("T.S", "T.C", a); },
+       BUILDER(SQLConditionTracciatiImport("T.S", Variant("T.C"), a)), Kind("27", "T.S", "T.C")},
+      {"TracciatiExport", Compares::kClifor, BUILDER(SQLConditionTracciatiExport("T.S", "T.C", a)),
        Kind("28", "T.S", "T.C")},
-      {"WizAnag", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionWizAnag(3, "W.M", "W.I", a); },
+      {"WizAnag", Compares::kClifor, BUILDER(SQLConditionWizAnag(3, "W.M", "W.I", a)),
        " NOT EXISTS (SELECT TOP 1 1      FROM VFW31_RVKPARAMETRI      WHERE FW31_ID_FW07 = 5    "
        "      AND FW31_INDTIPO = 16         AND FW31_FLGABILITATO = 0          AND "
        "FW31_DITTARAGG = W.I         AND FW31_CODTIPO = W.M) "},
-      {"Nodo", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionNodo("PD0C_CODNODO", "PD0C_CODPROG_PD68", a); },
+      {"Nodo", Compares::kClifor, BUILDER(SQLConditionNodo("PD0C_CODNODO", "PD0C_CODPROG_PD68", a)),
        " NOT EXISTS (SELECT TOP 1 1  FROM VFW3N_RVKNODI  WHERE FW3N_ID_FW07 = 5  AND "
        "FW3N_DITTA_CG18 = 1 AND FW3N_CODPROG_PD68 = PD0C_CODPROG_PD68 AND FW3N_CODNODO = "
        "PD0C_CODNODO) "},
-      {"CodSimPD90", Compares::kBoth,
-       [](P& p, bool a) { return p.SQLConditionCodSimPD90("PD90_SIMULAZIONE", a); }, ""},
+      {"CodSimPD90", Compares::kBoth, BUILDER(SQLConditionCodSimPD90("PD90_SIMULAZIONE", a)), ""},
       // The list conditions read ROSSI's rows: warehouses are quoted,
       // offices are not; AllowNull adds the IS NULL test.
-      {"Depositi", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionDepositi("D", a); },
+      {"Depositi", Compares::kClifor, BUILDER(SQLConditionDepositi("D", a)),
        " (D NOT IN ('A1' , 'B2' ) OR D IS NULL )"},
-      {"Depositi without null", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionDepositi("D", a, false); },
+      {"Depositi without null", Compares::kClifor, BUILDER(SQLConditionDepositi("D", a, false)),
        "D NOT IN ('A1' , 'B2' )"},
-      {"SediMov", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionSediMov("S", a, false); }, "S NOT IN (3 , 12 )"},
-      {"StatiArticolo", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionStatiArticolo(a); },
+      {"SediMov", Compares::kClifor, BUILDER(SQLConditionSediMov("S", a, false)),
+       "S NOT IN (3 , 12 )"},
+      {"StatiArticolo", Compares::kClifor, BUILDER(SQLConditionStatiArticolo(a)),
        " MG66_INDSTATO_MG6W IN (                   (SELECT MG6W_INDSTATO                       "
        "FROM MG6W_STATIART                      WHERE NOT EXISTS (SELECT TOP 1 1               "
        "                          FROM VFW31_RVKPARAMETRI                                       "
@@ -105,9 +99,8 @@ const std::vector<ConditionCase>& Cases() {
        "            AND FW31_ID_FW07 = 5                                             AND "
        "FW31_INDTIPO = 14                                                AND FW31_DITTARAGG = "
        "-1))) "},
-      {"TipiListiniP", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionTipiListiniP("TL", a); }, " TL NOT IN (2, 5)",
-       " AND"},
+      {"TipiListiniP", Compares::kClifor, BUILDER(SQLConditionTipiListiniP("TL", a)),
+       " TL NOT IN (2, 5)", " AND"},
       {"TipiMovimenti", Compares::kUser,
        [](P& p, bool a) {
          S column = "CGT0_CODICE";
@@ -139,18 +132,14 @@ const std::vector<ConditionCase>& Cases() {
        "FW31_FLGMODIFICA = 0  AND FW31_INDTIPO = 31  AND FW31_DITTARAGG = -1  AND FW31_CODTIPO = "
        "C) "},
       {"ContiPDC", Compares::kUser,
-       [](P& p, bool a) { return p.SQLConditionContiPDC("CG42_GRUPPOPDC", "CG42_CONTOPDC", a); },
+       BUILDER(SQLConditionContiPDC("CG42_GRUPPOPDC", "CG42_CONTOPDC", a)),
        " NOT  " + kContiPDC + kUnchangeable + kContiPDCTail},
       // Blocked accounts default to counting the unchangeable ones too.
       {"ContiPDCBloccati", Compares::kUser,
-       [](P& p, bool a) {
-         return p.SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a);
-       },
+       BUILDER(SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a)),
        " " + kContiPDC + kUnchangeable + kContiPDCTail},
       {"ContiPDCBloccati changeable", Compares::kUser,
-       [](P& p, bool a) {
-         return p.SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a, false);
-       },
+       BUILDER(SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a, false)),
        " " + kContiPDC + "    " + kContiPDCTail},
   };
   return cases;

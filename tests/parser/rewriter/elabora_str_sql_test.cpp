@@ -13,16 +13,11 @@ namespace zarvik {
 namespace {
 
 using testing::CliForCondition;
-using testing::kNodi;
 using testing::ParserSession;
-using testing::Vfw31;
+using testing::RossiTableText;
 
-const std::string kMG36 = Vfw31(" NOT", 7, "MG36_INDSTAPER", "MG36_CODDOCUM");
-const std::string kMG3N = Vfw31(" NOT", 9, "MG3N_INDSTAPER", "MG3N_CODTRASFDOC");
-const std::string kMG58 = Vfw31(" NOT", 6, "MG58_DITTA_CG18", "MG58_CODDEP");
-const std::string kPD68 = Vfw31(" NOT ", 8, "PD68_DITTA_CG18", "PD68_CODPROG");
-const std::string kMG0F = Vfw31(" NOT ", 30, "MG0F_DITTA_CG18", "MG0F_CODPARAM");
-const std::string kPD0C = " NOT " + kNodi;
+// ROSSI's table condition.
+std::string T(const char* prefix) { return RossiTableText(prefix); }
 
 // The wrapped WHERE of the host and the conditions behind it.
 std::string Where(const std::string& host) { return " WHERE (  " + host + " )  AND "; }
@@ -51,13 +46,13 @@ TEST(ElaboraStrSQL, FirstAliasQualifiesTheFromListAndTheJoinKeepsItsOwn) {
   EXPECT_EQ(rossi.parser.ElaboraStrSQLExplained(buffer, report),
             "SELECT D.MG36_CODDOCUM, C.CG44_RAGSOC FROM MG36_DOCUMENTI D INNER JOIN CG44_CLIFOR C "
             "ON C.CG44_DITTA_CG18 = D.MG36_DITTA_CG18 " +
-                Where("D.MG36_INDSTAPER = 0") + kMG36 + " AND " + CliForCondition("C."));
+                Where("D.MG36_INDSTAPER = 0") + T("MG36") + " AND " + CliForCondition("C."));
   EXPECT_EQ(report.outcome, rewriter::ScanOutcome::kRewritten);
   std::string tables;
   for (const auto& t : report.tables) {
     tables += t.prefix + "|" + t.alias + "|" + TableSourceName(t.source) + "|" + t.condition + "\n";
   }
-  EXPECT_EQ(tables, "MG36|D.|FROM list| AND " + kMG36 + "\nCG44|C.|join| AND " +
+  EXPECT_EQ(tables, "MG36|D.|FROM list| AND " + T("MG36") + "\nCG44|C.|join| AND " +
                         CliForCondition("C.") + "\n");
   // A CG18 after CG16 takes its place in the recognised tables.
   buffer = "SELECT * FROM CG16_ANAGRAFICA B, CG18_DITTE D WHERE 1 = 1";
@@ -81,12 +76,12 @@ TEST(ElaboraStrSQL, EachScannerRuleRewritesToTheCharacter) {
       {"union: each segment gets its own conditions",
        "SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI UNION SELECT PD68_CODPROG FROM PD68_PROGETTI "
        "ORDER BY 1",
-       "SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI  WHERE " + kMG36 +
-           "UNION SELECT PD68_CODPROG FROM PD68_PROGETTI WHERE " + kPD68 + " ORDER BY 1"},
+       "SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI  WHERE " + T("MG36") +
+           "UNION SELECT PD68_CODPROG FROM PD68_PROGETTI WHERE " + T("PD68") + " ORDER BY 1"},
       {"no FROM: unchanged", "SELECT 1", "SELECT 1"},
       {"a segment without FROM is copied",
        "SELECT 'NONE' UNION SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI",
-       "SELECT 'NONE' UNION SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI WHERE " + kMG36},
+       "SELECT 'NONE' UNION SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI WHERE " + T("MG36")},
       {"derived table: unchanged", "SELECT * FROM (SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI) X",
        "SELECT * FROM (SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI) X"},
       {"derived table in a later segment: that segment alone (deliberate)",
@@ -96,7 +91,7 @@ TEST(ElaboraStrSQL, EachScannerRuleRewritesToTheCharacter) {
       {"repeated prefix restricted once",
        "SELECT * FROM MG36_DOCUMENTI A, MG36_DOCUMENTI B WHERE A.MG36_CODDOCUM = B.MG36_CODDOCUM",
        "SELECT * FROM MG36_DOCUMENTI A, MG36_DOCUMENTI B " +
-           Where("A.MG36_CODDOCUM = B.MG36_CODDOCUM") + kMG36},
+           Where("A.MG36_CODDOCUM = B.MG36_CODDOCUM") + T("MG36")},
       {"CG16 after CG44: the customer condition alone",
        "SELECT * FROM CG44_CLIFOR A, CG16_ANAGRAFICA B WHERE A.CG44_CODANAG_CG16 = B.CG16_CODICE",
        "SELECT * FROM CG44_CLIFOR A, CG16_ANAGRAFICA B " +
@@ -106,30 +101,30 @@ TEST(ElaboraStrSQL, EachScannerRuleRewritesToTheCharacter) {
        "X.MG3N_DOCORIG_MG36",
        "SELECT * FROM MG3N_TRASFDOC X INNER JOIN MG36_DOCUMENTI Y ON Y.MG36_CODDOCUM = "
        "X.MG3N_DOCORIG_MG36 WHERE " +
-           kMG3N},
+           T("MG3N")},
       {"LEFT join: the optional side is not restricted",
        "SELECT * FROM PD68_PROGETTI P LEFT OUTER JOIN PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
        "P.PD68_CODPROG WHERE P.PD68_DITTA_CG18 = 1",
        "SELECT * FROM PD68_PROGETTI P LEFT OUTER JOIN PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
        "P.PD68_CODPROG " +
-           Where("P.PD68_DITTA_CG18 = 1") + kPD68},
+           Where("P.PD68_DITTA_CG18 = 1") + T("PD68")},
       {"left join in lower case is restricted (deliberate)",
        "SELECT * FROM PD68_PROGETTI P left outer join PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
        "P.PD68_CODPROG WHERE P.PD68_DITTA_CG18 = 1",
        "SELECT * FROM PD68_PROGETTI P left outer join PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
        "P.PD68_CODPROG " +
-           Where("P.PD68_DITTA_CG18 = 1") + kPD68 + " AND " + kPD0C},
+           Where("P.PD68_DITTA_CG18 = 1") + T("PD68") + " AND " + T("PD0C")},
       {"GROUP BY goes back after the conditions",
        "SELECT MG58_DITTA_CG18, COUNT(*) FROM MG58_DEPOSITI GROUP BY MG58_DITTA_CG18",
-       "SELECT MG58_DITTA_CG18, COUNT(*) FROM MG58_DEPOSITI WHERE " + kMG58 +
+       "SELECT MG58_DITTA_CG18, COUNT(*) FROM MG58_DEPOSITI WHERE " + T("MG58") +
            " GROUP BY MG58_DITTA_CG18"},
       {"GROUP BY followed by ON stays in its joined sub-query",
        grouped_join + "WHERE P.PD68_DITTA_CG18 = 1",
-       grouped_join + Where("P.PD68_DITTA_CG18 = 1") + kPD68},
+       grouped_join + Where("P.PD68_DITTA_CG18 = 1") + T("PD68")},
       {"join conditions do not mark the WHERE as present (deliberate)", stock_joins,
-       stock_joins + " WHERE " + kMG58 + " WHERE " + kMG0F},
+       stock_joins + " WHERE " + T("MG58") + " WHERE " + T("MG0F")},
       {"line breaks are not blanks", "SELECT *\r\nFROM PD68_PROGETTI\r\nWHERE PD68_DITTA_CG18 = 1",
-       "SELECT *\r\nFROM PD68_PROGETTI\r\n" + Where("PD68_DITTA_CG18 = 1") + kPD68},
+       "SELECT *\r\nFROM PD68_PROGETTI\r\n" + Where("PD68_DITTA_CG18 = 1") + T("PD68")},
       {"a tab after FROM hides the table",
        "SELECT *\r\nFROM\tPD68_PROGETTI\r\nWHERE PD68_DITTA_CG18 = 1",
        "SELECT *\r\nFROM\tPD68_PROGETTI\r\n WHERE (  PD68_DITTA_CG18 = 1 ) "},

@@ -19,6 +19,11 @@ class RewriterProbe {
     p.FiltriStrSQL(prefix, where_pos, is_from_list, condition);
     return condition;
   }
+  // The dispatch's text for a table, for the resolved user.
+  static std::string Table(CLSFW_PARSER& p, const std::string& prefix) {
+    p.Frame().ResolveUser();
+    return p.TableText(prefix);
+  }
   static int16_t TipoCFHint(const CLSFW_PARSER& p) { return p.tipo_cf_hint_; }
   static void SetCurrentAlias(CLSFW_PARSER& p, const std::string& alias) {
     p.current_alias_ = alias;
