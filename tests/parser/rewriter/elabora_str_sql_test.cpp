@@ -61,23 +61,22 @@ TEST(ElaboraStrSQL, FirstAliasQualifiesTheFromListAndTheJoinKeepsItsOwn) {
   EXPECT_EQ(report.tables[0].prefix, "CG18");
 }
 
+struct Rule {
+  const char* rule;
+  std::string statement, expected;
+};
+// A statement `head` WHERE `host`, rewritten with the host's condition wrapped.
+Rule Wrapped(const char* rule, const std::string& head, const std::string& host,
+             const std::string& conditions) {
+  return {rule, head + "WHERE " + host, head + Where(host) + conditions};
+}
+
 TEST(ElaboraStrSQL, EachScannerRuleRewritesToTheCharacter) {
-  const std::string grouped_join =
-      "SELECT * FROM PD68_PROGETTI P INNER JOIN (SELECT PD0C_CODPROG_PD68, COUNT(*) AS NODI FROM "
-      "PD0C_NODO WHERE PD0C_DITTA_CG18 = 1 GROUP BY PD0C_CODPROG_PD68) N ON N.PD0C_CODPROG_PD68 = "
-      "P.PD68_CODPROG ";
+  const std::string pd68_pd0c = "SELECT * FROM PD68_PROGETTI P LEFT OUTER JOIN PD0C_NODO N ON ";
   const std::string stock_joins =
       "SELECT * FROM MG97_GIACENZE G INNER JOIN MG58_DEPOSITI W ON W.MG58_CODDEP = "
       "G.MG97_CODDEP_MG58 INNER JOIN MG0F_BLMPARAM B ON B.MG0F_DITTA_CG18 = G.MG97_DITTA_CG18";
-  const struct {
-    const char* rule;
-    std::string statement, expected;
-  } cases[] = {
-      {"union: each segment gets its own conditions",
-       "SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI UNION SELECT PD68_CODPROG FROM PD68_PROGETTI "
-       "ORDER BY 1",
-       "SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI  WHERE " + T("MG36") +
-           "UNION SELECT PD68_CODPROG FROM PD68_PROGETTI WHERE " + T("PD68") + " ORDER BY 1"},
+  const Rule cases[] = {
       {"no FROM: unchanged", "SELECT 1", "SELECT 1"},
       {"a segment without FROM is copied",
        "SELECT 'NONE' UNION SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI",
@@ -88,43 +87,35 @@ TEST(ElaboraStrSQL, EachScannerRuleRewritesToTheCharacter) {
        "SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI UNION SELECT * FROM (SELECT PD68_CODPROG FROM "
        "PD68_PROGETTI) X",
        "UNION SELECT * FROM (SELECT PD68_CODPROG FROM PD68_PROGETTI) X"},
-      {"repeated prefix restricted once",
-       "SELECT * FROM MG36_DOCUMENTI A, MG36_DOCUMENTI B WHERE A.MG36_CODDOCUM = B.MG36_CODDOCUM",
-       "SELECT * FROM MG36_DOCUMENTI A, MG36_DOCUMENTI B " +
-           Where("A.MG36_CODDOCUM = B.MG36_CODDOCUM") + T("MG36")},
-      {"CG16 after CG44: the customer condition alone",
-       "SELECT * FROM CG44_CLIFOR A, CG16_ANAGRAFICA B WHERE A.CG44_CODANAG_CG16 = B.CG16_CODICE",
-       "SELECT * FROM CG44_CLIFOR A, CG16_ANAGRAFICA B " +
-           Where("A.CG44_CODANAG_CG16 = B.CG16_CODICE") + CliForCondition(" ")},
+      Wrapped("repeated prefix restricted once",
+              "SELECT * FROM MG36_DOCUMENTI A, MG36_DOCUMENTI B ",
+              "A.MG36_CODDOCUM = B.MG36_CODDOCUM", T("MG36")),
+      Wrapped("CG16 after CG44: the customer condition alone",
+              "SELECT * FROM CG44_CLIFOR A, CG16_ANAGRAFICA B ",
+              "A.CG44_CODANAG_CG16 = B.CG16_CODICE", CliForCondition(" ")),
       {"MG36 joined to MG3N gets no second document condition",
        "SELECT * FROM MG3N_TRASFDOC X INNER JOIN MG36_DOCUMENTI Y ON Y.MG36_CODDOCUM = "
        "X.MG3N_DOCORIG_MG36",
        "SELECT * FROM MG3N_TRASFDOC X INNER JOIN MG36_DOCUMENTI Y ON Y.MG36_CODDOCUM = "
        "X.MG3N_DOCORIG_MG36 WHERE " +
            T("MG3N")},
-      {"LEFT join: the optional side is not restricted",
-       "SELECT * FROM PD68_PROGETTI P LEFT OUTER JOIN PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
-       "P.PD68_CODPROG WHERE P.PD68_DITTA_CG18 = 1",
-       "SELECT * FROM PD68_PROGETTI P LEFT OUTER JOIN PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
-       "P.PD68_CODPROG " +
-           Where("P.PD68_DITTA_CG18 = 1") + T("PD68")},
-      {"left join in lower case is restricted (deliberate)",
-       "SELECT * FROM PD68_PROGETTI P left outer join PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
-       "P.PD68_CODPROG WHERE P.PD68_DITTA_CG18 = 1",
-       "SELECT * FROM PD68_PROGETTI P left outer join PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
-       "P.PD68_CODPROG " +
-           Where("P.PD68_DITTA_CG18 = 1") + T("PD68") + " AND " + T("PD0C")},
-      {"GROUP BY goes back after the conditions",
-       "SELECT MG58_DITTA_CG18, COUNT(*) FROM MG58_DEPOSITI GROUP BY MG58_DITTA_CG18",
-       "SELECT MG58_DITTA_CG18, COUNT(*) FROM MG58_DEPOSITI WHERE " + T("MG58") +
-           " GROUP BY MG58_DITTA_CG18"},
-      {"GROUP BY followed by ON stays in its joined sub-query",
-       grouped_join + "WHERE P.PD68_DITTA_CG18 = 1",
-       grouped_join + Where("P.PD68_DITTA_CG18 = 1") + T("PD68")},
+      Wrapped("LEFT join: the optional side is not restricted",
+              pd68_pd0c + "N.PD0C_CODPROG_PD68 = P.PD68_CODPROG ", "P.PD68_DITTA_CG18 = 1",
+              T("PD68")),
+      Wrapped("left join in lower case is restricted (deliberate)",
+              "SELECT * FROM PD68_PROGETTI P left outer join PD0C_NODO N ON N.PD0C_CODPROG_PD68 = "
+              "P.PD68_CODPROG ",
+              "P.PD68_DITTA_CG18 = 1", T("PD68") + " AND " + T("PD0C")),
+      Wrapped(
+          "GROUP BY followed by ON stays in its joined sub-query",
+          "SELECT * FROM PD68_PROGETTI P INNER JOIN (SELECT PD0C_CODPROG_PD68, COUNT(*) AS NODI "
+          "FROM PD0C_NODO WHERE PD0C_DITTA_CG18 = 1 GROUP BY PD0C_CODPROG_PD68) N ON "
+          "N.PD0C_CODPROG_PD68 = P.PD68_CODPROG ",
+          "P.PD68_DITTA_CG18 = 1", T("PD68")),
       {"join conditions do not mark the WHERE as present (deliberate)", stock_joins,
        stock_joins + " WHERE " + T("MG58") + " WHERE " + T("MG0F")},
-      {"line breaks are not blanks", "SELECT *\r\nFROM PD68_PROGETTI\r\nWHERE PD68_DITTA_CG18 = 1",
-       "SELECT *\r\nFROM PD68_PROGETTI\r\n" + Where("PD68_DITTA_CG18 = 1") + T("PD68")},
+      Wrapped("line breaks are not blanks", "SELECT *\r\nFROM PD68_PROGETTI\r\n",
+              "PD68_DITTA_CG18 = 1", T("PD68")),
       {"a tab after FROM hides the table",
        "SELECT *\r\nFROM\tPD68_PROGETTI\r\nWHERE PD68_DITTA_CG18 = 1",
        "SELECT *\r\nFROM\tPD68_PROGETTI\r\n WHERE (  PD68_DITTA_CG18 = 1 ) "},
