@@ -1,15 +1,7 @@
-// ElaboraStrSQL to the byte on a fixed corpus: the fuzz test's random and
-// mutated statements, statements beyond the 16-bit range and the
-// benchmark's statement shapes run through one session of ROSSI on the demo
-// database. Everything the host sees of each call (the answer, the text the
-// argument is left holding, every statement sent, every message box) goes
-// into one digest, which must equal the digest recorded from the rewriter
-// whose answers are the reference.
-//
-// To find the first case that differs, run the reference build with
-// ZARVIK_REWRITE_RECORD=FILE (FILE not existing: every case is written to
-// it), then the build under test with the same setting (FILE existing: each
-// case is compared with it and the first difference is named).
+// ElaboraStrSQL for ROSSI on the fuzz corpus, long statements and the benchmark
+// shapes: answer, argument left, statements sent and boxes, digested against the
+// reference. ZARVIK_REWRITE_RECORD=FILE writes every case to FILE when it does
+// not exist, else names the first case that differs from it.
 #include <gtest/gtest.h>
 
 #include <cstdint>
