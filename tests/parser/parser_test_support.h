@@ -30,11 +30,16 @@ inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string&
   p.SetCodiceUtenteCLIFOR(code);
 }
 
-// The customer/supplier condition with its CG44 columns qualified by `q`.
-inline std::string CliForCondition(const std::string& q, int user_id = 5) {
-  return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + q +
-         "CG44_DITTA_CG18     AND RVKTIPOCF = " + q + "CG44_TIPOCF     AND RVKCLIFOR = " + q +
-         "CG44_CLIFOR     AND RVKUTENTE = " + std::to_string(user_id) + "  )  ";
+// The customer/supplier condition on three columns for user `id`, or on
+// the CG44 columns qualified by `q`.
+inline std::string CliFor(const std::string& ditta, const std::string& tipo,
+                          const std::string& clifor, int id = 5) {
+  return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + ditta +
+         "     AND RVKTIPOCF = " + tipo + "     AND RVKCLIFOR = " + clifor +
+         "     AND RVKUTENTE = " + std::to_string(id) + "  )  ";
+}
+inline std::string CliForCondition(const std::string& q) {
+  return CliFor(q + "CG44_DITTA_CG18", q + "CG44_TIPOCF", q + "CG44_CLIFOR");
 }
 
 // The 16-bit fields of a rights record in declared order: 'T' True, 'F' False.

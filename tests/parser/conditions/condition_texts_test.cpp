@@ -19,15 +19,9 @@ using S = std::string;
 
 enum class Compares { kUser, kClifor, kBoth };
 
-// The customer/supplier condition on three columns for user `id`.
-S CliFor(const S& ditta, const S& tipo, const S& clifor, int id = 5) {
-  return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + ditta +
-         "     AND RVKTIPOCF = " + tipo + "     AND RVKCLIFOR = " + clifor +
-         "     AND RVKUTENTE = " + std::to_string(id) + "  )  ";
-}
+using testing::CliFor;
 
-// Sub-query texts end with an own check of the row kind: a NOT EXISTS on
-// VFW31_RVKPARAMETRI for user 5 of kind `kind`, scope `scope`, code `code`.
+// The NOT EXISTS on VFW31_RVKPARAMETRI for user 5 of a kind, scope and code.
 S Kind(const S& kind, const S& scope, const S& code) {
   return " NOT EXISTS (SELECT TOP 1 1  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND "
          "FW31_INDTIPO = " +
