@@ -1,6 +1,5 @@
-// Entity codes, user codes and company values that carry a quote, a ';' and
-// a second statement reach the embedded database pasted as they stand, and
-// change no row there: the text is refused before it runs.
+// Codes and company values carrying a quote and a second statement reach the
+// embedded database as they stand and change no row: the text is refused.
 #include <gtest/gtest.h>
 
 #include <functional>

@@ -1,6 +1,5 @@
-// ContoPDCBloccato: the stored procedure on the embedded engine (which
-// describes its parameters), through ODBC on the SQLite3 driver (which
-// describes none, so they are declared) and on a provider that describes some.
+// ContoPDCBloccato's procedure on the embedded engine (parameters described),
+// through ODBC on SQLite3 (declared) and on a provider that describes some.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -58,8 +57,7 @@ TEST(AccountCheck, ProcedureThroughOdbcDeclaresItsParametersAndFillsBothFlags) {
 }
 
 TEST(AccountCheck, ShortCutsSendNothingAndAnIdTheHostSetIsUsedAsItStands) {
-  // The privileged user and a disabled context (the only check that honours
-  // it) get both flags; a blank account leaves them as they were.
+  // ZentAd and RevokeDisabilitata get both flags; a blank account leaves them.
   ParserSession zentad("ZentAd"), disabled("ROSSI");
   disabled.parser.SetRevokeDisabilitata(true);
   EXPECT_EQ(Ask(zentad.parser, 10, "1001", 0) + "|" + Ask(zentad.parser, 10, "  ", 5) + "|" +

@@ -89,8 +89,7 @@ std::vector<BlockCase> BlockCases(P& rossi) {
        "SELECT TOP 1 1 FROM MG0F_BLMPARAM  WHERE MG0F_DITTA_CG18 = 1 AND MG0F_CODPARAM = 'BLM2'  "
        "AND " +
            Positive("MG0F")},
-      // STP02, DS_VENDITE and MATR_ORD are revoked: the answer is the same
-      // whichever code is given, revoked or not, even one that does not exist.
+      // STP02, DS_VENDITE, MATR_ORD are revoked: any code answers alike.
       {"StampaGestionaleBloccata", CHECK(StampaGestionaleBloccata(c)), "NOPE", "",
        "SELECT FW57_CODICE  FROM FW57_STPLIBERE  WHERE " + testing::RossiTableText("FW57")},
       {"DSExportDatiGestBloccata", CHECK(DSExportDatiGestBloccata(c)), "DS_ACQUISTI", "",
@@ -200,9 +199,8 @@ TEST_F(BlockCheckTest, WholeTableChecksAnswerFalseOnlyWhenEveryRowIsRevoked) {
 
 TEST_F(BlockCheckTest, OddAnswers) {
   AsUser("ROSSI");
-  // Unknown documents and another company's document are blocked; the
-  // warehouse check answers False on a server-side cursor, the row-found
-  // checks do not depend on it.
+  // Unknown and other companies' documents are blocked; on a server-side
+  // cursor the warehouse check answers False, the row-found checks do not.
   EXPECT_EQ(TF({parser.DocumentoTestataBloccato("9999"), parser.DocumentoTestataBloccato("2001")}),
             "TT");
   db->SetCursorLocation(db::kUseServer);

@@ -48,8 +48,7 @@ TEST_F(PermissionRecordTest, EachRecordForRossiForAUserWithoutRowsAndForThePrivi
       {"GIALLI", "GIALLI", false, {"FFFF", "FF", "FTTT", "FTTT", "TTTT", "TTTT"}},
       // The privileged user's document record reports a row, on purpose.
       {"ZentAd", "ZentAd", false, {"FFFF", "FF", "FTTT", "TTTT", "TTTT", "TTTT"}},
-      // The document and type records compare CodiceUtenteCLIFOR, the
-      // movement and family records CodiceUtente.
+      // Documents and types compare CodiceUtenteCLIFOR, the others CodiceUtente.
       {"ROSSI", "ZentAd", false, {"TFFT", "FT", "TFTF", "TTTT", "TTTT", "TTTT"}},
   };
   for (const auto& c : cases) {
@@ -120,8 +119,7 @@ TEST_F(PermissionRecordTest, DocumentTypesFollowTheRightsRule) {
             "SELECT FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI FROM "
             "VFW31_RVKPARAMETRI \r\n WHERE FW31_ID_FW07 = 5 \r\n AND FW31_INDTIPO = 7\r\n AND "
             "FW31_CODTIPO = 'OCL'\r\n AND FW31_DITTARAGG = 0");
-  // VERDI's groups: AMM (1, 0, 1, 1) and MAG (1, 1, 0, 1) give the most
-  // permissive flags.
+  // VERDI's groups AMM (1, 0, 1, 1) and MAG (1, 1, 0, 1): the most permissive.
   EXPECT_EQ(Documents(*Other("VERDI"), "NCV", 0), "TTTT");
 }
 

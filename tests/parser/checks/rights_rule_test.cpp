@@ -39,8 +39,7 @@ TEST(RightsRuleTest, RowFlagsGiveTheRights) {
     tsRvkConfig config;
     ApplyRightsRule(c.row, config);
     EXPECT_EQ(Flags(config), c.expected) << c.what;
-    // The document record gets the same rights; its first field says that
-    // a row exists, revoked or not.
+    // The document record: the same rights, and a row exists, revoked or not.
     tsRvkDocumenti documents;
     ApplyRightsRule(c.row, documents);
     EXPECT_EQ(Flags(documents), "T" + std::string(c.expected).substr(1)) << c.what;
@@ -48,8 +47,7 @@ TEST(RightsRuleTest, RowFlagsGiveTheRights) {
 }
 
 TEST(RightsRuleTest, FlagThatCannotBeAssignedLeavesTheRecordHalfWay) {
-  // Null insert flag under update allowed: VB cannot assign Null to a
-  // Boolean; update is already set, delete is not touched yet.
+  // A Null insert flag cannot be assigned: update is set, delete untouched.
   tsRvkConfig record;
   record.CanDelete = kVbFalse;
   try {
@@ -88,8 +86,7 @@ TEST(ProductionActivityTest, OperationCodesWithTheFirstDependingOnTheDocument) {
   }
   for (int16_t index : {3, 4, 9, 10, 13, 14}) EXPECT_EQ(ProductionOperationCode(1, index), "02");
   for (int16_t index : {2, 8, -1}) EXPECT_EQ(ProductionOperationCode(1, index), "") << index;
-  // Operations 5 and 6 swap their codes (deliberate); the document does not
-  // matter for these.
+  // Operations 5 and 6 swap their codes (deliberate); any document.
   const std::vector<std::pair<int16_t, const char*>> codes = {
       {2, "03"},  {3, "04"},  {4, "05"},  {5, "07"},  {6, "06"},  {7, "08"},
       {8, "09"},  {9, "10"},  {10, "11"}, {11, "12"}, {12, "13"}, {13, "14"},

@@ -1,5 +1,4 @@
-// The destinations of the host's agent and the answers that are not
-// predicate texts: recordsets, arrays, the warehouse transfer.
+// Destinations of the host's agent, recordsets, arrays, the warehouse transfer.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -51,8 +50,7 @@ TEST_F(ConditionAnswerTest, DestinationsOfTheHostsAgent) {
   EXPECT_NE(aliased.find("FROM       MG2G_DESTAGEMUL Q WITH (NOLOCK)           "), aliased.npos);
   EXPECT_NE(aliased.find("Q.MG2G_CLIFOR_CG44 = C AND MG2G_CODDESTIN_MG22 = N) "), aliased.npos);
   EXPECT_EQ(aliased.find("MG2GRVK"), aliased.npos);
-  // No agent (in any form), the disabled flag, the privileged user code or
-  // no host object: nothing.
+  // No agent (any form), disabled, privileged or no host object: nothing.
   std::string none;
   for (const Variant& agent : {Variant::Null(), Variant(int16_t{0}), Variant(), Variant("0")}) {
     HostWithAgent(agent);
@@ -100,8 +98,7 @@ TEST_F(ConditionAnswerTest, RevokedCustomersWithTheKindTheAgentSelects) {
             "= CG44_DITTA_CG18       AND RVKTIPOCF = CG44_TIPOCF      AND RVKCLIFOR = CG44_CLIFOR  "
             "WHERE RVKUTENTE = 5       AND CG44_TIPOCF = 0");
   EXPECT_EQ(Codes(rows), "1/10 1/11 1/2 1/5 1/6 1/7 1/8 1/9 ");
-  // The blank agent stays normalised to the number 0; agent id 1 happens to
-  // select the supplier kind.
+  // The blank agent stays the number 0; agent id 1 selects the supplier kind.
   EXPECT_EQ(parser.IdAgente().Type(), VarType::kInteger);
   parser.SetIdAgente(Variant(int32_t{1}));
   EXPECT_EQ(Codes(parser.CliForRevocati()), "1/102 1/103 1/104 ");
@@ -127,8 +124,7 @@ TEST_F(ConditionAnswerTest, EnabledArticleStatesAsATwoRowArray) {
   }
   EXPECT_EQ(states, "0=Attivo;1=In esaurimento;2=Bloccato acquisti;4=Nuovo;");
   EXPECT_EQ(Other("ZentAd")->StatiArticoloMagaArray().ToArray()->UBound(2), 4);
-  // No enabled state gives Empty, not an empty array; so does a server-side
-  // cursor (RecordCount -1).
+  // No enabled state, or a server-side cursor (RecordCount -1): Empty.
   db->SetCursorLocation(db::kUseServer);
   EXPECT_TRUE(Other("GIALLI")->StatiArticoloMagaArray().IsEmpty());
   db->SetCursorLocation(db::kUseClient);

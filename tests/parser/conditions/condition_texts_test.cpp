@@ -1,5 +1,4 @@
-// The condition builders' texts for ROSSI (id 5) with and without " AND ",
-// the user code each compares with "ZentAd", the arguments that change them.
+// The condition builders for ROSSI (id 5), for "ZentAd", and their arguments.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -77,8 +76,7 @@ const std::vector<ConditionCase>& Cases() {
        "FW3N_DITTA_CG18 = 1 AND FW3N_CODPROG_PD68 = PD0C_CODPROG_PD68 AND FW3N_CODNODO = "
        "PD0C_CODNODO) "},
       {"CodSimPD90", Compares::kBoth, BUILDER(SQLConditionCodSimPD90("PD90_SIMULAZIONE", a)), ""},
-      // The list conditions read ROSSI's rows: warehouses are quoted,
-      // offices are not; AllowNull adds the IS NULL test.
+      // Warehouses are quoted, offices not; AllowNull adds IS NULL.
       {"Depositi", Compares::kClifor, BUILDER(SQLConditionDepositi("D", a)),
        " (D NOT IN ('A1' , 'B2' ) OR D IS NULL )"},
       {"Depositi without null", Compares::kClifor, BUILDER(SQLConditionDepositi("D", a, false)),
@@ -105,8 +103,7 @@ const std::vector<ConditionCase>& Cases() {
        " NOT EXISTS (SELECT TOP 1 1  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND "
        "FW31_INDTIPO = 1  AND FW31_FLGABILITATO = 0  AND FW31_DITTARAGG = -1  AND FW31_CODTIPO = "
        "CGT0_CODICE)"},
-      // CERVED operation 0 (insert) tests the insert flag, any other the
-      // update flag.
+      // CERVED operation 0 (insert) tests the insert flag, others the update flag.
       {"Cerved insert", Compares::kUser,
        [](P& p, bool a) {
          S column = "C";
@@ -154,8 +151,7 @@ TEST(ConditionTexts, EveryBuilderForRossiAndForThePrivilegedCode) {
     EXPECT_EQ(c.call(rossi.parser, false), !account                  ? text
                                            : S(c.name) == "ContiPDC" ? ""
                                                                      : " 1=0 ");
-    // "ZentAd" in the compared code gives nothing without a statement; in
-    // the other code it is an ordinary user.
+    // "ZentAd" in the compared code: nothing, no statement; in the other: no effect.
     for (const bool user_field : {true, false}) {
       ParserSession session("ROSSI");
       (user_field ? session.parser.SetCodiceUtente("ZentAd")
@@ -200,8 +196,7 @@ TEST_F(ConditionTest, CustomerColumnsFollowThePrefixTheScannerStateAndTheArgumen
       // The alias wins over the rewriter, even the from-list blank.
       {"Cg44", "C.", true, "", "C.CG44_DITTA_CG18", "C.CG44_TIPOCF", "C.CG44_CLIFOR"},
       {"do11", "X.", true, "", "DO11_DITTACF_CG44", "DO11_TIPOCF_CG44", "DO11_CLIFOR_CG44"},
-      // Any other prefix keeps its case, with the default names' trailing
-      // blanks; a column given replaces its default only.
+      // Other prefixes keep their case and trailing blanks; a given column wins.
       {"Mg36", "", false, "", "Mg36_DITTA_CG18  ", "Mg36_TIPOCF_CG44 ", "Mg36_CLIFOR_CG44 "},
       {"MG36", "", false, "T.TIPOCF", "MG36_DITTA_CG18  ", "T.TIPOCF", "MG36_CLIFOR_CG44 "},
   };
@@ -213,8 +208,7 @@ TEST_F(ConditionTest, CustomerColumnsFollowThePrefixTheScannerStateAndTheArgumen
               CliFor(c.ditta, c.tipo, c.clifor, 12))
         << c.pref_tabella << " alias '" << c.current_alias << "'";
   }
-  // All three given: used as they are, whatever the alias; AllowNull
-  // changes nothing; the older entry point forwards with empty columns.
+  // All three given: used as they are; the older entry point forwards.
   RewriterProbe::SetCurrentAlias(parser, "C.");
   EXPECT_EQ(parser.SQLConditionCliFor("CG44", false, "D.DITTA", "D.TIPO", "D.CODICE", false),
             CliFor("D.DITTA", "D.TIPO", "D.CODICE", 12));
@@ -245,8 +239,7 @@ TEST_F(ConditionTest, ArgumentsThatChangeTheText) {
   log->statements.clear();
   EXPECT_EQ(parser.SQLConditionTipiListiniP("  ", true), "");
   EXPECT_TRUE(Statements().empty());
-  // Nothing revoked gives nothing even with " AND ": GIALLI, and ROSSI in
-  // company 2. VERDI's groups both revoke B2 only.
+  // Nothing revoked (GIALLI; ROSSI in company 2): nothing; VERDI: B2 only.
   auto gialli = Other("GIALLI");
   EXPECT_EQ(gialli->SQLConditionTipiListiniP("TL", true) + gialli->SQLConditionStatiArticolo(true),
             "");

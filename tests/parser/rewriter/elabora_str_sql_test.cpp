@@ -1,5 +1,4 @@
-// ElaboraStrSQL: one readable example per scanner quirk (the rewrite digest
-// pins ROSSI's texts to the byte), the guard exits and the failures.
+// ElaboraStrSQL: one example per scanner quirk (the digest pins the bytes).
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,4 @@
-// Rewritten host statements run on the demo database: the revoked rows are
-// gone, the others stay, and the privileged user sees every row.
+// Rewritten statements on the demo database hide the revoked rows only.
 #include <gtest/gtest.h>
 
 #include <sstream>

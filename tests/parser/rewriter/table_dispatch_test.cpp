@@ -1,6 +1,4 @@
-// The table condition dispatch beyond ROSSI's texts (the rewrite digest pins
-// those): the connector, the prefixes without text, other users' lists, the
-// customer qualifiers and the failures.
+// The table dispatch beyond ROSSI's texts (the rewrite digest pins those).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -26,8 +24,7 @@ TEST(TableDispatch, ConnectorAndPrefixesWithoutText) {
   EXPECT_EQ(
       RewriterProbe::Filtri(p, "CG31", 17, true) + "|" + RewriterProbe::Filtri(p, "CG31", 0, false),
       " AND CG31_CODICE NOT IN (12 , 3 )| WHERE CG31_CODICE NOT IN (12 , 3 )");
-  // CG16 only de-duplicates; unknown, lower case, or the four letters of a
-  // five-letter view: no lone connector.
+  // CG16 only de-duplicates; unknown, lower-case, four of five letters: nothing.
   for (const char* prefix : {"CG16", "CG41", "VCG42", "MG17", "XX99", "mg36", "VPD0", ""}) {
     EXPECT_EQ(
         RewriterProbe::Filtri(p, prefix, 17, true) + RewriterProbe::Filtri(p, prefix, 0, false), "")
@@ -71,8 +68,7 @@ TEST(ListBuilders, ListsOfOtherUsers) {
   EXPECT_EQ(RewriterProbe::Sedi(rossi.parser, "DO11", true) + "|" +
                 RewriterProbe::Sedi(rossi.parser, "CS05", false),
             " AND DO11_CODSEDE_CG31 NOT IN (12 , 3 )|CS05_CODSEDE_CG31 NOT IN (12 , 3 )");
-  // Accounting reasons of BIANCHI with rows added: one list alone, and
-  // several entries in each.
+  // BIANCHI's accounting reasons: one list alone, several entries in each.
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"(9001, 6, 0, 1, ''), (9002, 6, 0, 2, '')", " CG33_INDTIPOREG NOT IN (1 , 2) "},
       {"(9001, 6, 0, 0, 'GIRO'), (9002, 6, 0, 0, 'INC')",
