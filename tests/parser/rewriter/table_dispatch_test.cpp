@@ -17,19 +17,13 @@ struct Resolved : ParserSession {
   explicit Resolved(const std::string& user) : ParserSession(user) { parser.Frame().ResolveUser(); }
 };
 
-TEST(TableDispatch, ConnectorAndPrefixesWithoutText) {
+TEST(TableDispatch, ConnectorTheAgentAndAnotherCompany) {
   Resolved rossi("ROSSI");
   CLSFW_PARSER& p = rossi.parser;
   // Office codes are text in the view: "12" sorts before "3".
   EXPECT_EQ(
       RewriterProbe::Filtri(p, "CG31", 17, true) + "|" + RewriterProbe::Filtri(p, "CG31", 0, false),
       " AND CG31_CODICE NOT IN (12 , 3 )| WHERE CG31_CODICE NOT IN (12 , 3 )");
-  // CG16 only de-duplicates; unknown, lower-case, four of five letters: nothing.
-  for (const char* prefix : {"CG16", "CG41", "VCG42", "MG17", "XX99", "mg36", "VPD0", ""}) {
-    EXPECT_EQ(
-        RewriterProbe::Filtri(p, prefix, 17, true) + RewriterProbe::Filtri(p, prefix, 0, false), "")
-        << prefix;
-  }
   Resolved gialli("GIALLI");
   gialli.parser.SetCodiceAgente(Variant(int32_t{12}));
   EXPECT_EQ(RewriterProbe::Filtri(gialli.parser, "MG17", 1, true), " AND  MG17_IDAGENTE = '12' ");
