@@ -28,6 +28,16 @@ S Kind(const S& kind, const S& scope, const S& code) {
          " AND FW31_CODTIPO = " + code + ") ";
 }
 
+// SQLConditionCerved on column C (both by reference), and its text.
+S Cerved(P& p, bool a, int16_t operation) {
+  S column = "C";
+  return p.SQLConditionCerved(column, a, operation);
+}
+S CervedText(const S& flag) {
+  return " NOT EXISTS (SELECT TOP 1 1  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND " +
+         flag + " = 0  AND FW31_INDTIPO = 31  AND FW31_DITTARAGG = -1  AND FW31_CODTIPO = C) ";
+}
+
 const S kContiPDC =
     "EXISTS (SELECT TOP 1 1          FROM VFW31_RVKPARAMETRI WITH (NOLOCK)         WHERE "
     "FW31_ID_FW07 = 5               AND FW31_INDTIPO = 26                 AND "
@@ -104,24 +114,10 @@ const std::vector<ConditionCase>& Cases() {
        "FW31_INDTIPO = 1  AND FW31_FLGABILITATO = 0  AND FW31_DITTARAGG = -1  AND FW31_CODTIPO = "
        "CGT0_CODICE)"},
       // CERVED operation 0 (insert) tests the insert flag, others the update flag.
-      {"Cerved insert", Compares::kUser,
-       [](P& p, bool a) {
-         S column = "C";
-         int16_t operation = 0;
-         return p.SQLConditionCerved(column, a, operation);
-       },
-       " NOT EXISTS (SELECT TOP 1 1  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND "
-       "FW31_FLGINSERISCI = 0  AND FW31_INDTIPO = 31  AND FW31_DITTARAGG = -1  AND FW31_CODTIPO = "
-       "C) "},
-      {"Cerved update", Compares::kUser,
-       [](P& p, bool a) {
-         S column = "C";
-         int16_t operation = -1;
-         return p.SQLConditionCerved(column, a, operation);
-       },
-       " NOT EXISTS (SELECT TOP 1 1  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND "
-       "FW31_FLGMODIFICA = 0  AND FW31_INDTIPO = 31  AND FW31_DITTARAGG = -1  AND FW31_CODTIPO = "
-       "C) "},
+      {"Cerved insert", Compares::kUser, [](P& p, bool a) { return Cerved(p, a, 0); },
+       CervedText("FW31_FLGINSERISCI")},
+      {"Cerved update", Compares::kUser, [](P& p, bool a) { return Cerved(p, a, -1); },
+       CervedText("FW31_FLGMODIFICA")},
       {"ContiPDC", Compares::kUser,
        BUILDER(SQLConditionContiPDC("CG42_GRUPPOPDC", "CG42_CONTOPDC", a)),
        " NOT  " + kContiPDC + kUnchangeable + kContiPDCTail},
