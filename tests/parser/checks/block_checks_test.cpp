@@ -184,8 +184,17 @@ TEST_F(BlockCheckTest, EveryCheckAnswersBothWaysSendsItsStatementAndShortCutsFor
   EXPECT_TRUE(Statements().empty());
 }
 
-TEST_F(BlockCheckTest, WholeTableChecksAnswerFalseOnlyWhenEveryRowIsRevoked) {
+TEST_F(BlockCheckTest, OddAnswers) {
   AsUser("ROSSI");
+  // A blank user code is filled from the customer/supplier code; a set one
+  // is left alone (no harmonising).
+  parser.SetCodiceUtente("");
+  EXPECT_TRUE(parser.CliForBloccato_New("7", 0));
+  EXPECT_EQ(parser.CodiceUtente() + std::to_string(parser.Frame().UserId()), "ROSSI5");
+  auto bianchi = Other("BIANCHI");
+  bianchi->SetCodiceUtenteCLIFOR("ROSSI");
+  EXPECT_EQ(TF({bianchi->CliForBloccato_New("7", 0)}) + bianchi->CodiceUtente(), "FBIANCHI");
+  // The whole-table checks answer False only when every row is revoked.
   AddParameterRows(", FW31_FLGABILITATO",
                    "(9001, 5, 12, 0, 'STP01', 0), (9002, 5, 12, 0, 'STP03', 0), "
                    "(9003, 5, 12, 0, 'STP04', 0), (9004, 5, 13, 0, 'DS_ACQUISTI', 0), "
@@ -195,10 +204,6 @@ TEST_F(BlockCheckTest, WholeTableChecksAnswerFalseOnlyWhenEveryRowIsRevoked) {
       TF({parser.StampaGestionaleBloccata("STP02"), parser.DSExportDatiGestBloccata("DS_VENDITE"),
           parser.ConfigOfficeBloccata("MATR_ORD")}),
       "FFF");
-}
-
-TEST_F(BlockCheckTest, OddAnswers) {
-  AsUser("ROSSI");
   // Unknown and other companies' documents are blocked; on a server-side
   // cursor the warehouse check answers False, the row-found checks do not.
   EXPECT_EQ(TF({parser.DocumentoTestataBloccato("9999"), parser.DocumentoTestataBloccato("2001")}),
@@ -273,18 +278,6 @@ TEST_F(BlockCheckTest, GroupBasedUserHasAFunctionRevokedOnlyWhenEveryGroupRevoke
   EXPECT_FALSE(parser.FunzioneApplicativaRevocata(104));
   EXPECT_EQ(parser.Frame().FlgGrpRevoke(), 1);
   EXPECT_EQ(LastStatement().rfind("          SELECT  *    ", 0), 0U) << LastStatement();
-}
-
-TEST_F(BlockCheckTest, CustomerCheckFillsABlankUserCodeFromTheCustomerSupplierCode) {
-  AsUser("ROSSI");
-  parser.SetCodiceUtente("");
-  EXPECT_TRUE(parser.CliForBloccato_New("7", 0));
-  EXPECT_EQ(parser.CodiceUtente() + std::to_string(parser.Frame().UserId()), "ROSSI5");
-  // A code that is set is left alone (no harmonising).
-  auto other = Other("BIANCHI");
-  other->SetCodiceUtenteCLIFOR("ROSSI");
-  EXPECT_FALSE(other->CliForBloccato_New("7", 0));
-  EXPECT_EQ(other->CodiceUtente(), "BIANCHI");
 }
 
 TEST_F(BlockCheckTest, ActivityWithoutDocumentIndexOrOperationCodeIsNotAuthorisedWithoutAQuery) {
