@@ -68,7 +68,7 @@ TEST_F(PermissionRecordTest, EachRecordForRossiForAUserWithoutRowsAndForThePrivi
   EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(PermissionRecordTest, MovementClassesAndJournalTransfersRevokedForTheUser) {
+TEST_F(PermissionRecordTest, MovementClassesJournalTransfersAndFamilies) {
   AsUser("ROSSI");
   parser.InitRevokeTipiMov();
   EXPECT_EQ(LastStatement(),
@@ -81,10 +81,7 @@ TEST_F(PermissionRecordTest, MovementClassesAndJournalTransfersRevokedForTheUser
   // A code outside 0..3 changes nothing; an enabled row revokes nothing.
   AddParameterRows(", FW31_FLGABILITATO", "(9001, 5, 1, -1, '7', 0), (9002, 5, 1, -1, '2', 1)");
   EXPECT_EQ(Flags(parser.InitRevokeTipiMov()), "TFFT");
-}
-
-TEST_F(PermissionRecordTest, ArticleFamiliesAllowOnlyOnFlagOne) {
-  AsUser("ROSSI");
+  // Article families allow only on flag 1.
   EXPECT_EQ(Flags(parser.InitRevokeFamiglia("ELE")), "TFTF");
   EXPECT_EQ(LastStatement(),
             "SELECT FW3H_FLGELIMINA, FW3H_FLGINSERIMENTO, FW3H_FLGMODIFICA FROM FW3H_RVKARTICOLI  "
@@ -142,7 +139,7 @@ TEST_F(PermissionRecordTest, BillOfMaterialsTypesWithTheNinetyNineRow) {
   EXPECT_EQ(LastStatement(), head + "= '5'\r\n ORDER BY FW31_CODTIPO DESC");
 }
 
-TEST_F(PermissionRecordTest, WorkCycleTypesWithTheNinetyNineRow) {
+TEST_F(PermissionRecordTest, WorkCycleTypesWithTheNinetyNineRowAndAQuoteInACode) {
   AsUser("ROSSI");
   const std::string head =
       "SELECT TOP 1  FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI FROM "
@@ -160,10 +157,7 @@ TEST_F(PermissionRecordTest, WorkCycleTypesWithTheNinetyNineRow) {
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(32)), "TFTT");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(4)), "TTTF");
   EXPECT_EQ(LastStatement(), head + "= '4'\r\n ORDER BY FW31_CODTIPO DESC");
-}
-
-TEST_F(PermissionRecordTest, QuoteInACodeIsReportedAndTheDefaultsStand) {
-  AsUser("ROSSI");
+  // A quote in a code is reported and the defaults stand.
   EXPECT_EQ(Flags(parser.InitRevokeFamiglia("E'L")), "FTTT");
   EXPECT_EQ(Documents(parser, "N'CV", 0), "FTTT");
   EXPECT_EQ(BoxTags(), (std::vector<std::string>{"InitRevokeFamiglia", "PermessiDocTipologie"}));
