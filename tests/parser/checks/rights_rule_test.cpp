@@ -44,9 +44,7 @@ TEST(RightsRuleTest, RowFlagsGiveTheRights) {
     ApplyRightsRule(c.row, documents);
     EXPECT_EQ(Flags(documents), "T" + std::string(c.expected).substr(1)) << c.what;
   }
-}
-
-TEST(RightsRuleTest, FlagThatCannotBeAssignedLeavesTheRecordHalfWay) {
+  // A flag that cannot be assigned leaves the record half-way.
   // A Null insert flag cannot be assigned: update is set, delete untouched.
   tsRvkConfig record;
   record.CanDelete = kVbFalse;

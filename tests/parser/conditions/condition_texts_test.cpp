@@ -260,7 +260,7 @@ TEST_F(ConditionTest, ArgumentsThatChangeTheText) {
   EXPECT_EQ(Statements().size(), 2U);
 }
 
-TEST_F(ConditionTest, DocumentHeadersEndWithTheAgentsDocuments) {
+TEST_F(ConditionTest, DocumentHeadersTheAgentsDocumentsAndFailures) {
   AsUser("ROSSI");
   const S plain = parser.SQLConditionDO11(false);  // pinned by the rewrite digest
   parser.SetCodiceAgente(Variant(int32_t{12}));
@@ -284,10 +284,7 @@ TEST_F(ConditionTest, DocumentHeadersEndWithTheAgentsDocuments) {
   parser.SetCodiceAgente(Variant("AG12   "));
   EXPECT_EQ(RewriterProbe::AgentRule(parser), " MG17_IDAGENTE = 'AG12   ' ");
   EXPECT_TRUE(Boxes().empty());
-}
-
-TEST_F(ConditionTest, FailuresKeepThePiecesBuiltSoFarAndShowOneBoxEach) {
-  AsUser("ROSSI");
+  // Failures keep the pieces built so far and show one box each.
   parser.Frame().ResolveUser();
   const S built_before_the_lists = parser.SQLConditionDocMG36("DO11_DOCUM_MG36", false) +
                                    parser.SQLConditionCliFor("DO11", true);
@@ -301,7 +298,6 @@ TEST_F(ConditionTest, FailuresKeepThePiecesBuiltSoFarAndShowOneBoxEach) {
                                        "SQLConditionDepositi", "SQLConditionContiPDCBloccati"}));
   EXPECT_EQ(Boxes()[2].text.rfind(std::to_string(vberr::kAdoConnectionUnusable) + " - ", 0), 0U);
   // The customer condition does not open a connection itself.
-  auto lonely = Other("ROSSI", Variant(int32_t{1}), false);
   lonely->SetConnectionStringADO(demo::DemoConnectionString(":memory:"));
   EXPECT_EQ(lonely->SQLConditionCliFor("CG44", true), "");
   EXPECT_EQ(BoxTags().back(), "SQLConditionCliFor");

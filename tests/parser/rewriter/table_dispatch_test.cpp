@@ -77,9 +77,7 @@ TEST(ListBuilders, ListsOfOtherUsers) {
     bianchi.parser.Frame().ResolveUser();
     EXPECT_EQ(RewriterProbe::CausaliContabili(bianchi.parser, ""), expected) << rows;
   }
-}
-
-TEST(TableDispatch, FailuresAreReportedAndLeaveTheTableUnrestricted) {
+  // Failures are reported and leave the table unrestricted.
   for (const auto& [prefix, tag] : std::vector<std::pair<std::string, std::string>>{
            {"CG18", "RvkDitte"}, {"CG33", "CausaliContabili"}, {"CG31", "FiltriStrSQL"}}) {
     Resolved rossi("ROSSI");
