@@ -211,6 +211,13 @@ TEST_F(BlockCheckTest, OddAnswers) {
   db->SetCursorLocation(db::kUseServer);
   EXPECT_EQ(TF({parser.DepositoBloccato("A1"), parser.ProgettoBloccato("P1")}), "FT");
   EXPECT_TRUE(Boxes().empty());
+  // Only the manual bill choice doubles quotes in codes.
+  EXPECT_FALSE(parser.SceltaDistintaManualeDocumentoBloccata("O'K  "));
+  EXPECT_EQ(LastStatement(), BillChoice("37", "'O''K'"));
+  // Elsewhere the quote breaks the statement, which is reported.
+  EXPECT_FALSE(parser.DepositoBloccato("A'1"));
+  EXPECT_NE(LastStatement().find("FW31_CODTIPO = 'A'1'"), std::string::npos);
+  EXPECT_EQ(BoxTags(), std::vector<std::string>{"DepositoBloccato"});
   // ZentAd carries an old exclusion of company 2.
   auto zentad = Other("ZentAd");
   EXPECT_EQ(TF({zentad->DittaBloccata(int32_t{2}), zentad->DittaBloccata(int32_t{1})}), "TF");
@@ -246,17 +253,6 @@ TEST_F(BlockCheckTest, BlankCodesAnswerFalseWithoutAStatementOrAConnection) {
                 std::to_string(msgstyle::kExclamation));
 }
 
-TEST_F(BlockCheckTest, OnlyTheManualBillChoiceDoublesQuotesInCodes) {
-  AsUser("ROSSI");
-  EXPECT_FALSE(parser.SceltaDistintaManualeDocumentoBloccata("O'K  "));
-  EXPECT_EQ(LastStatement(), BillChoice("37", "'O''K'"));
-  EXPECT_TRUE(Boxes().empty());
-  // Elsewhere the quote breaks the statement, which is reported.
-  EXPECT_FALSE(parser.DepositoBloccato("A'1"));
-  EXPECT_NE(LastStatement().find("FW31_CODTIPO = 'A'1'"), std::string::npos);
-  EXPECT_EQ(BoxTags(), std::vector<std::string>{"DepositoBloccato"});
-}
-
 TEST_F(BlockCheckTest, GroupBasedUserHasAFunctionRevokedOnlyWhenEveryGroupRevokesIt) {
   // VERDI (groups AMM and MAG): 101 revoked by both, 102 by AMM only, 103
   // by MAG only (AMM's row enables it), 104 by none.
@@ -280,7 +276,7 @@ TEST_F(BlockCheckTest, GroupBasedUserHasAFunctionRevokedOnlyWhenEveryGroupRevoke
   EXPECT_EQ(LastStatement().rfind("          SELECT  *    ", 0), 0U) << LastStatement();
 }
 
-TEST_F(BlockCheckTest, ActivityWithoutDocumentIndexOrOperationCodeIsNotAuthorisedWithoutAQuery) {
+TEST_F(BlockCheckTest, ActivityWithoutDocumentIndexOperationCodeOrConnectionIsNotAuthorised) {
   AsUser("ROSSI");
   // No index, index 2 (no "0x"), no code, a negative type or subtype.
   EXPECT_EQ(TF({parser.AutorizzaAttivitaSuDocumentoProduzione(24, 2, 2),
@@ -290,15 +286,7 @@ TEST_F(BlockCheckTest, ActivityWithoutDocumentIndexOrOperationCodeIsNotAuthorise
                 parser.AutorizzaAttivitaSuDocumentoProduzione(25, -1, 1)}),
             "FFFFF");
   EXPECT_TRUE(Statements().empty());
-  // A negative type is refused even for the privileged user.
-  AsUser("ZentAd");
-  EXPECT_EQ(TF({parser.AutorizzaAttivitaSuDocumentoProduzione(-1, 1, 1),
-                parser.AutorizzaAttivitaSuDocumentoProduzione(24, 2, 2)}),
-            "FT");
-}
-
-TEST_F(BlockCheckTest, MissingConnectionIsReportedUnderTheCheckName) {
-  AsUser("ROSSI");
+  // A missing connection is reported under the check name.
   parser.SetConnectionADO(nullptr);
   EXPECT_EQ(TF({parser.ProgettoBloccato("P1"), parser.StatoRevisioneDistintaBloccato(2),
                 parser.AutorizzaAttivitaSuDocumentoProduzione(25, 1, 1)}),
@@ -307,6 +295,11 @@ TEST_F(BlockCheckTest, MissingConnectionIsReportedUnderTheCheckName) {
             (std::vector<std::string>{"ProgettoBloccato", "StatoRevisioneDistintaBloccato",
                                       "AutorizzaAttivitaSuDocumentoProduzione"}));
   EXPECT_EQ(Boxes()[0].text.rfind("91 - ", 0), 0U) << Boxes()[0].text;
+  // A negative type is refused even for the privileged user.
+  AsUser("ZentAd");
+  EXPECT_EQ(TF({parser.AutorizzaAttivitaSuDocumentoProduzione(-1, 1, 1),
+                parser.AutorizzaAttivitaSuDocumentoProduzione(24, 2, 2)}),
+            "FT");
 }
 
 }  // namespace

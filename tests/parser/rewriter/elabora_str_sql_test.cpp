@@ -119,14 +119,6 @@ TEST(ElaboraStrSQL, EachScannerRuleRewritesToTheCharacter) {
   }
 }
 
-TEST(ElaboraStrSQL, TheWhereFixesTheCustomerKindHintAndAStatementWithoutOneResetsIt) {
-  ParserSession rossi("ROSSI");
-  rossi.Rewrite("SELECT * FROM CG44_CLIFOR WHERE CG44_TIPOCF = 1");
-  const int hint = RewriterProbe::TipoCFHint(rossi.parser);
-  rossi.Rewrite("SELECT * FROM CG44_CLIFOR");
-  EXPECT_EQ(hint * 10 + RewriterProbe::TipoCFHint(rossi.parser), 9);
-}
-
 TEST(ElaboraStrSQL, FailuresAnswerEmpty) {
   const std::string wide(33000, ' ');
   const std::string unpaired =
@@ -181,6 +173,12 @@ TEST(ElaboraStrSQL, GuardExitsGiveTheStatementBackWithoutAQuery) {
     EXPECT_EQ(session.Rewrite(s), s) << c.what;
     EXPECT_TRUE(session.Statements().empty()) << c.what;
   }
+  // The WHERE fixes the customer kind hint; a statement without one resets it.
+  ParserSession rossi("ROSSI");
+  rossi.Rewrite("SELECT * FROM CG44_CLIFOR WHERE CG44_TIPOCF = 1");
+  const int hint = RewriterProbe::TipoCFHint(rossi.parser);
+  rossi.Rewrite("SELECT * FROM CG44_CLIFOR");
+  EXPECT_EQ(hint * 10 + RewriterProbe::TipoCFHint(rossi.parser), 9);
   // "zentad" is an ordinary code: unknown user, id 0, conditions for id 0.
   EXPECT_NE(ParserSession("zentad").Rewrite(s), s);
 }
