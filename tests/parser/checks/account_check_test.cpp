@@ -56,7 +56,7 @@ TEST(AccountCheck, ProcedureThroughOdbcDeclaresItsParametersAndFillsBothFlags) {
   odbc->Close();
 }
 
-TEST(AccountCheck, ShortCutsSendNothingAndAnIdTheHostSetIsUsedAsItStands) {
+TEST(AccountCheck, ShortCutsTheHostsIdAndFailures) {
   // ZentAd and RevokeDisabilitata get both flags; a blank account leaves them.
   ParserSession zentad("ZentAd"), disabled("ROSSI");
   disabled.parser.SetRevokeDisabilitata(true);
@@ -70,13 +70,11 @@ TEST(AccountCheck, ShortCutsSendNothingAndAnIdTheHostSetIsUsedAsItStands) {
   EXPECT_EQ(Ask(rossi.parser, 10, "1001", 0), "0 1 1");
   EXPECT_EQ(rossi.Statements(), std::vector<std::string>{"{call SPFW_GetInfoRevokeContoPDC}"});
   EXPECT_FALSE(rossi.parser.Frame().UserResolved());
-}
-
-TEST(AccountCheck, MissingProcedureOrParameterIsReportedAndTheFlagsKeepTheirValues) {
-  ParserSession rossi("ROSSI");
-  rossi.Run("DELETE FROM ZARVIK_ROUTINES WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
-  EXPECT_EQ(Ask(rossi.parser, 10, "1001", 4), "0 4 4");
-  EXPECT_EQ(rossi.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
+  // A missing procedure or parameter is reported and the flags keep their values.
+  ParserSession missing("ROSSI");
+  missing.Run("DELETE FROM ZARVIK_ROUTINES WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
+  EXPECT_EQ(Ask(missing.parser, 10, "1001", 4), "0 4 4");
+  EXPECT_EQ(missing.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
   // A body that names only :ContoPDC: ADO's error 3265, and no call.
   ParserSession partly("ROSSI");
   partly.Run(

@@ -76,9 +76,7 @@ TEST(ProductionActivityTest, DocumentIndexOfEachTypeAndSubtype) {
     const auto index = ProductionDocumentIndex(c.tipo, c.sottotipo);
     EXPECT_EQ(index ? *index : -1, c.index) << c.tipo << "/" << c.sottotipo;
   }
-}
-
-TEST(ProductionActivityTest, OperationCodesWithTheFirstDependingOnTheDocument) {
+  // Operation codes, the first depending on the document.
   // Operation 1 on document indexes -1..16.
   std::string first;
   for (int16_t index = -1; index <= 16; ++index) first += ProductionOperationCode(1, index) + " ";

@@ -162,9 +162,7 @@ TEST(ConditionTexts, EveryBuilderForRossiAndForThePrivilegedCode) {
       EXPECT_EQ(session.Statements().empty(), privileged);
     }
   }
-}
-
-TEST(ConditionTexts, TheAccountJoin) {
+  // The blocked-account join.
   ParserSession rossi("ROSSI");
   const S join = rossi.parser.SQLinnerjoinContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC");
   EXPECT_EQ(join, kJoin + "                    ) ");

@@ -31,10 +31,7 @@ TEST(TableDispatch, ConnectorTheAgentAndAnotherCompany) {
   p.SetDittaCorrente(Variant(int32_t{2}));
   EXPECT_EQ(RewriterProbe::Filtri(p, "CG31", 1, true), "");
   EXPECT_TRUE(rossi.Boxes().empty());
-}
-
-TEST(TableDispatch, CustomerTableIsQualifiedAsTheScannerFoundIt) {
-  Resolved rossi("ROSSI");
+  // The customer table is qualified as the scanner found it.
   // A FROM-list table: a single blank, whatever the alias; a joined one keeps
   // its alias, or takes the table name, or a blank if the alias ran into a
   // line break.
