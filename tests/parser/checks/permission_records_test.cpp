@@ -120,7 +120,7 @@ TEST_F(PermissionRecordTest, DocumentTypesFollowTheRightsRule) {
   EXPECT_EQ(Documents(*Other("VERDI"), "NCV", 0), "TTTT");
 }
 
-TEST_F(PermissionRecordTest, BillOfMaterialsTypesWithTheNinetyNineRow) {
+TEST_F(PermissionRecordTest, BillOfMaterialsAndWorkCycleTypesWithTheNinetyNineRow) {
   AsUser("ROSSI");
   // ROSSI: '35' enabled, '99' revoked, '5' enabled without update. '99'
   // wins over a type's own row and stands for all of 30..39, and no other.
@@ -137,26 +137,22 @@ TEST_F(PermissionRecordTest, BillOfMaterialsTypesWithTheNinetyNineRow) {
   EXPECT_EQ(LastStatement(), head + "IN ('35', '99') ORDER BY FW31_CODTIPO DESC");
   parser.PermessiTipologieDistintaBase(5);
   EXPECT_EQ(LastStatement(), head + "= '5'\r\n ORDER BY FW31_CODTIPO DESC");
-}
-
-TEST_F(PermissionRecordTest, WorkCycleTypesWithTheNinetyNineRowAndAQuoteInACode) {
-  AsUser("ROSSI");
-  const std::string head =
+  // Work-cycle types: ROSSI's '31' revoked, '35' enabled without update.
+  const std::string cycle =
       "SELECT TOP 1  FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI FROM "
       " VFW31_RVKPARAMETRI WHERE  FW31_ID_FW07   = 5 AND  FW31_INDTIPO   = 33 AND  FW31_DITTARAGG "
       "= -1 AND FW31_CODTIPO ";
-  // ROSSI: '31' revoked, '35' enabled without update.
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(31)), "FFFF");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(35)), "TTFF");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(32)), "TTTT");
-  EXPECT_EQ(LastStatement(), head + "IN ('32', '99') ORDER BY FW31_CODTIPO DESC");
+  EXPECT_EQ(LastStatement(), cycle + "IN ('32', '99') ORDER BY FW31_CODTIPO DESC");
   // A '99' row of kind 33 (enabled, delete refused) wins for 30..39 only.
   AddParameterRows(", FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI",
                    "(9001, 5, 33, -1, '99', 1, 1, 0, 1), (9002, 5, 33, -1, '4', 1, 1, 1, 0)");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(35)), "TFTT");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(32)), "TFTT");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(4)), "TTTF");
-  EXPECT_EQ(LastStatement(), head + "= '4'\r\n ORDER BY FW31_CODTIPO DESC");
+  EXPECT_EQ(LastStatement(), cycle + "= '4'\r\n ORDER BY FW31_CODTIPO DESC");
   // A quote in a code is reported and the defaults stand.
   EXPECT_EQ(Flags(parser.InitRevokeFamiglia("E'L")), "FTTT");
   EXPECT_EQ(Documents(parser, "N'CV", 0), "FTTT");
