@@ -138,8 +138,26 @@ TEST_F(ConditionAnswerTest, EnabledArticleStatesAsATwoRowArray) {
   EXPECT_EQ(BoxTags(), (std::vector<std::string>{"StatiArticoloMaga", "StatiArticoloMagaArray"}));
 }
 
-TEST_F(ConditionAnswerTest, TransferUsesTheIdAsItStandsWithoutALookup) {
+TEST_F(ConditionAnswerTest, MovementTypeListAndTheWarehouseTransfer) {
+  // The missing '=' after FW31_ID_FW07 fails on every engine; the
+  // privileged user is resolved too and gets every type enabled.
+  const std::string join =
+      "  FROM CGT0_TIPOMOV LEFT OUTER JOIN VFW31_RVKPARAMETRI ON CGT0_TIPOMOV.CGT0_CODICE = "
+      "FW31_CODTIPO  AND FW31_ID_FW07 ";
   AsUser("ROSSI");
+  EXPECT_EQ(parser.InitRevokeTipiMovimenti(), nullptr);
+  EXPECT_EQ(LastStatement(),
+            " SELECT  CGT0_CODICE AS CODICE, CASE WHEN FW31_FLGABILITATO IS NULL THEN 1 ELSE 0 END "
+            "AS ABILITATO" +
+                join + "5 AND FW31_INDTIPO = 1 WHERE CGT0_FLGCANREVOKE = 1");
+  EXPECT_EQ(BoxTags(), std::vector<std::string>{"InitRevokeTipiMov"});
+  log->statements.clear();
+  EXPECT_EQ(Other("ZentAd")->InitRevokeTipiMovimenti(), nullptr);
+  ASSERT_EQ(Statements().size(), 2U);
+  EXPECT_EQ(Statements()[1], " SELECT  CGT0_CODICE AS CODICE, 1 AS ABILITATO" + join +
+                                 "1 AND FW31_INDTIPO = 1 WHERE CGT0_FLGCANREVOKE = 1");
+  // The transfer uses the id as it stands, without a lookup.
+  log->statements.clear();
   parser.SetIdUser(demo::user_id::kRossi);
   std::string origin = "A1", destination = "C3";
   EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 1);
@@ -159,27 +177,8 @@ TEST_F(ConditionAnswerTest, TransferUsesTheIdAsItStandsWithoutALookup) {
   parser.SetConnectionStringADO(demo::DemoConnectionString(":memory:"));
   EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 0);
   EXPECT_EQ(parser.ConnectionADO(), nullptr);
-  EXPECT_EQ(BoxTags(), std::vector<std::string>{"TrasferimentoDepositi"});
-}
-
-TEST_F(ConditionAnswerTest, MovementTypeListKeepsItsHistoricalTextAndFails) {
-  // The missing '=' after FW31_ID_FW07 fails on every engine; the
-  // privileged user is resolved too and gets every type enabled.
-  const std::string join =
-      "  FROM CGT0_TIPOMOV LEFT OUTER JOIN VFW31_RVKPARAMETRI ON CGT0_TIPOMOV.CGT0_CODICE = "
-      "FW31_CODTIPO  AND FW31_ID_FW07 ";
-  AsUser("ROSSI");
-  EXPECT_EQ(parser.InitRevokeTipiMovimenti(), nullptr);
-  EXPECT_EQ(LastStatement(),
-            " SELECT  CGT0_CODICE AS CODICE, CASE WHEN FW31_FLGABILITATO IS NULL THEN 1 ELSE 0 END "
-            "AS ABILITATO" +
-                join + "5 AND FW31_INDTIPO = 1 WHERE CGT0_FLGCANREVOKE = 1");
-  EXPECT_EQ(BoxTags(), std::vector<std::string>{"InitRevokeTipiMov"});
-  log->statements.clear();
-  EXPECT_EQ(Other("ZentAd")->InitRevokeTipiMovimenti(), nullptr);
-  ASSERT_EQ(Statements().size(), 2U);
-  EXPECT_EQ(Statements()[1], " SELECT  CGT0_CODICE AS CODICE, 1 AS ABILITATO" + join +
-                                 "1 AND FW31_INDTIPO = 1 WHERE CGT0_FLGCANREVOKE = 1");
+  EXPECT_EQ(BoxTags(), (std::vector<std::string>{"InitRevokeTipiMov", "InitRevokeTipiMov",
+                                                 "TrasferimentoDepositi"}));
 }
 
 }  // namespace
