@@ -1,5 +1,5 @@
-// Codes and company values carrying a quote and a second statement reach the
-// embedded database as they stand and change no row: the text is refused.
+// Values carrying a quote and a second statement reach the database as they
+// stand and change no row.
 #include <gtest/gtest.h>
 
 #include <functional>

@@ -1,5 +1,4 @@
-// A CLSFW_PARSER on its own in-memory demo database, statements logged and
-// boxes recorded; ROSSI's (id 5) sub-queries that several statements embed.
+// A CLSFW_PARSER on its own in-memory demo database, statements and boxes kept.
 #ifndef ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
 #define ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
 

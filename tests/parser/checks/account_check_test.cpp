@@ -22,8 +22,7 @@ std::string Ask(CLSFW_PARSER& p, int16_t gruppo, const std::string& conto, int16
          std::to_string(can_visualizza);
 }
 
-// ROSSI: 10/1001 revoked, 10/1002 enabled but not changeable; BIANCHI has
-// no account row. Every answer comes from the procedure.
+// ROSSI: 10/1001 revoked, 10/1002 not changeable; BIANCHI has no row.
 void ExpectAccountAnswers(ParserSession& session) {
   const struct {
     const char *user, *conto, *expected;

@@ -51,7 +51,6 @@ S BillChoice(const S& kind, const S& code) {
 // ROSSI's table condition without its NOT (the rewrite digest pins it).
 S Positive(const S& prefix) { return testing::RossiTableText(prefix).substr(5); }
 
-// A check called with the code `c`.
 #define CHECK(call) [](P& p, const S& c) { return p.call; }
 
 std::vector<BlockCase> BlockCases(P& rossi) {

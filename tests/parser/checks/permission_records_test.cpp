@@ -122,8 +122,7 @@ TEST_F(PermissionRecordTest, DocumentTypesFollowTheRightsRule) {
 
 TEST_F(PermissionRecordTest, BillOfMaterialsAndWorkCycleTypesWithTheNinetyNineRow) {
   AsUser("ROSSI");
-  // ROSSI: '35' enabled, '99' revoked, '5' enabled without update. '99'
-  // wins over a type's own row and stands for all of 30..39, and no other.
+  // ROSSI: '35' on, '99' revoked, '5' without update; '99' wins for 30..39 only.
   std::string flags;
   for (int16_t type : {35, 31, 30, 39, 5, 7, 29, 40}) {
     flags += Flags(parser.PermessiTipologieDistintaBase(type)) + " ";

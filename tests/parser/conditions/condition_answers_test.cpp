@@ -139,8 +139,7 @@ TEST_F(ConditionAnswerTest, EnabledArticleStatesAsATwoRowArray) {
 }
 
 TEST_F(ConditionAnswerTest, MovementTypeListAndTheWarehouseTransfer) {
-  // The missing '=' after FW31_ID_FW07 fails on every engine; the
-  // privileged user is resolved too and gets every type enabled.
+  // The missing '=' after FW31_ID_FW07 fails for everyone, ZentAd too.
   const std::string join =
       "  FROM CGT0_TIPOMOV LEFT OUTER JOIN VFW31_RVKPARAMETRI ON CGT0_TIPOMOV.CGT0_CODICE = "
       "FW31_CODTIPO  AND FW31_ID_FW07 ";

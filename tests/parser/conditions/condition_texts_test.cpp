@@ -60,7 +60,6 @@ struct ConditionCase {
   S and_prefix = " AND ";  // what inserire_and puts before it
 };
 
-// A builder called with inserire_and `a`.
 #define BUILDER(call) [](P& p, bool a) { return p.call; }
 
 const std::vector<ConditionCase>& Cases() {

@@ -15,8 +15,7 @@ using testing::CliForCondition;
 using testing::ParserSession;
 using testing::RossiTableText;
 
-// ROSSI's table condition.
-std::string T(const char* prefix) { return RossiTableText(prefix); }
+constexpr auto& T = RossiTableText;  // ROSSI's condition for a table
 
 // The wrapped WHERE of the host and the conditions behind it.
 std::string Where(const std::string& host) { return " WHERE (  " + host + " )  AND "; }
@@ -126,9 +125,8 @@ TEST(ElaboraStrSQL, FailuresAnswerEmpty) {
       {"SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI UNION SELECT (SELECT (SELECT 1 FROM "
        "CG18_DITTE) FROM CG44_CLIFOR) FROM PD68_PROGETTI",
        unpaired},
-      // Run-time errors end silently: JOIN within the first 15 characters
-      // (the look-back for LEFT), FROM or WHERE beyond position 32767, and in
-      // a later segment (the finished segments are lost with it).
+      // Run-time errors end silently: JOIN in the first 15 characters, FROM or
+      // WHERE beyond 32767, and in a later segment (the finished ones are lost).
       {"FROM ABCD JOIN PD68_PROGETTI P ON 1 = 1", run_time + "5"},
       {"SELECT" + wide + "1 FROM PD68_PROGETTI", run_time + "6"},
       {"SELECT * FROM PD68_PROGETTI P" + wide + "WHERE P.PD68_DITTA_CG18 = 1", run_time + "6"},

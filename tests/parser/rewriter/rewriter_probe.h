@@ -35,10 +35,7 @@ class RewriterProbe {
   static std::string Sedi(CLSFW_PARSER& p, const std::string& tabella, bool inserire_and) {
     return p.Sedi(tabella, inserire_and);
   }
-  static std::string CausaliContabili(CLSFW_PARSER& p, const std::string& alias) {
-    p.current_alias_ = alias;
-    return p.CausaliContabili();
-  }
+  static std::string CausaliContabili(CLSFW_PARSER& p) { return p.CausaliContabili(); }
 };
 
 }  // namespace zarvik

@@ -72,7 +72,7 @@ TEST(ListBuilders, ListsOfOtherUsers) {
     ParserSession bianchi("BIANCHI");
     if (!rows.empty()) bianchi.AddParameterRows("", rows);
     bianchi.parser.Frame().ResolveUser();
-    EXPECT_EQ(RewriterProbe::CausaliContabili(bianchi.parser, ""), expected) << rows;
+    EXPECT_EQ(RewriterProbe::CausaliContabili(bianchi.parser), expected) << rows;
   }
   // Failures are reported and leave the table unrestricted.
   for (const auto& [prefix, tag] : std::vector<std::pair<std::string, std::string>>{
