@@ -31,7 +31,6 @@ struct BlockCase {
 using P = CLSFW_PARSER;
 using S = std::string;
 
-// The statement head of the two bill-of-materials choices.
 const S kBillChoice =
     "SELECT   FW31_FLGABILITATO FROM   VFW31_RVKPARAMETRI WITH (NOLOCK) INNER JOIN   "
     "MG36_DOCUMENTI WITH (NOLOCK) ON   MG36_DOCUMENTI.MG36_CODDOCUM  = "

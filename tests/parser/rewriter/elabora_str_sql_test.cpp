@@ -112,7 +112,7 @@ TEST(ElaboraStrSQL, EachScannerRuleRewritesToTheCharacter) {
   }
 }
 
-TEST(ElaboraStrSQL, FailuresAnswerEmpty) {
+TEST(ElaboraStrSQL, OutcomesOtherThanARewrite) {
   const std::string wide(33000, ' ');
   const std::string unpaired =
       "parser error: unpaired FROM in the select list 0 Parser Error|Caso non contemplato dal "
@@ -120,6 +120,8 @@ TEST(ElaboraStrSQL, FailuresAnswerEmpty) {
       std::to_string(msgstyle::kCritical);
   const std::string run_time = "run-time error: scan ended silently ";
   const std::pair<std::string, std::string> cases[] = {
+      {"SELECT * FROM (SELECT A FROM B) X",
+       "SELECT * FROM (SELECT A FROM B) Xderived table after FROM: segment returned as it is 0"},
       {"SELECT (SELECT (SELECT 1 FROM CG18_DITTE) FROM CG44_CLIFOR) FROM MG36_DOCUMENTI", unpaired},
       {"SELECT * FROM MG36_DOCUMENTI WHERE MG36_INDSTAPER IN (SELECT 0)", unpaired},
       {"SELECT MG36_CODDOCUM FROM MG36_DOCUMENTI UNION SELECT (SELECT (SELECT 1 FROM "
