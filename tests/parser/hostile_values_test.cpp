@@ -1,6 +1,5 @@
-// Entity codes, user codes and company values that carry a quote, a ';' and
-// a second statement reach the embedded database pasted as they stand, and
-// change no row there: the text is refused before it runs.
+// Values carrying a quote and a second statement reach the database as they
+// stand and change no row.
 #include <gtest/gtest.h>
 
 #include <functional>

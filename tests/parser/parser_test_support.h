@@ -1,11 +1,11 @@
-// A CLSFW_PARSER on its own in-memory demo database, statements logged and
-// boxes recorded; ROSSI's (id 5) sub-queries that several statements embed.
+// A CLSFW_PARSER on its own in-memory demo database, statements and boxes kept.
 #ifndef ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
 #define ZARVIK_TESTS_PARSER_PARSER_TEST_SUPPORT_H_
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,9 +21,6 @@
 
 namespace zarvik::testing {
 
-// A code FW07_APPUSER does not know: the lookup keeps the id the test set.
-inline constexpr const char* kUnknownUser = "ORDINARIO";
-
 // Both user codes; the group is the demo user's, or VEN for other codes.
 inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string& group = "") {
   const demo::DemoUser* user = demo::FindDemoUser(code);
@@ -32,25 +29,33 @@ inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string&
   p.SetCodiceUtenteCLIFOR(code);
 }
 
-// The VFW31_RVKPARAMETRI test of one kind, as the dispatch writes it.
-inline std::string Vfw31(const std::string& negation, int kind, const std::string& scope,
-                         const std::string& code) {
-  return negation + " EXISTS(SELECT *  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND " +
-         "FW31_INDTIPO = " + std::to_string(kind) + "  AND FW31_FLGABILITATO = 0  AND " +
-         "FW31_DITTARAGG = " + scope + "  AND FW31_CODTIPO = " + code + ") ";
+// The customer/supplier condition on three columns for user `id`, or on
+// the CG44 columns qualified by `q`.
+inline std::string CliFor(const std::string& ditta, const std::string& tipo,
+                          const std::string& clifor, int id = 5) {
+  return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + ditta +
+         "     AND RVKTIPOCF = " + tipo + "     AND RVKCLIFOR = " + clifor +
+         "     AND RVKUTENTE = " + std::to_string(id) + "  )  ";
+}
+inline std::string CliForCondition(const std::string& q) {
+  return CliFor(q + "CG44_DITTA_CG18", q + "CG44_TIPOCF", q + "CG44_CLIFOR");
 }
 
-// The project-node test, without its negation.
-inline const std::string kNodi =
-    " EXISTS(SELECT *  FROM VFW3N_RVKNODI  WHERE FW3N_ID_FW07 = 5  AND FW3N_DITTA_CG18 = "
-    "PD0C_DITTA_CG18  AND FW3N_CODNODO = PD0C_CODNODO  AND FW3N_CODPROG_PD68 = "
-    "PD0C_CODPROG_PD68) ";
+// The 16-bit fields of a rights record in declared order: 'T' True, 'F' False.
+template <class Record>
+std::string Flags(const Record& record) {
+  int16_t fields[sizeof(Record) / sizeof(int16_t)];
+  std::memcpy(fields, &record, sizeof fields);
+  std::string flags;
+  for (int16_t f : fields) flags += f == -1 ? 'T' : f == 0 ? 'F' : '?';
+  return flags;
+}
 
-// The customer/supplier condition with its CG44 columns qualified by `q`.
-inline std::string CliForCondition(const std::string& q, int user_id = 5) {
-  return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + q +
-         "CG44_DITTA_CG18     AND RVKTIPOCF = " + q + "CG44_TIPOCF     AND RVKCLIFOR = " + q +
-         "CG44_CLIFOR     AND RVKUTENTE = " + std::to_string(user_id) + "  )  ";
+// Boolean answers as 'T' and 'F', in order.
+inline std::string TF(std::initializer_list<bool> answers) {
+  std::string text;
+  for (bool a : answers) text += a ? 'T' : 'F';
+  return text;
 }
 
 struct ParserSession {
@@ -66,8 +71,9 @@ struct ParserSession {
   void AsUser(const std::string& code, const std::string& group = "") {
     SetUser(parser, code, group);
   }
+  // A code FW07_APPUSER does not know: the lookup keeps the id the test set.
   void AsUnknownUserWithId(int32_t id) {
-    AsUser(kUnknownUser);
+    AsUser("ORDINARIO");
     parser.SetIdUser(id);
   }
   // Another parser on the same database and message boxes.
@@ -126,6 +132,12 @@ struct ParserSession {
 };
 
 class ParserTest : public ::testing::Test, public ParserSession {};
+
+// ROSSI's condition for a table prefix (the rewrite digest pins it).
+inline std::string RossiTableText(const std::string& prefix) {
+  static ParserSession rossi("ROSSI");
+  return RewriterProbe::Table(rossi.parser, prefix);
+}
 
 }  // namespace zarvik::testing
 

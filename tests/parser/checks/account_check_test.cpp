@@ -1,6 +1,5 @@
-// ContoPDCBloccato: the stored procedure on the embedded engine (which
-// describes its parameters) and through the ODBC call path on the SQLite3
-// ODBC driver (which describes none, so the parameters are declared).
+// ContoPDCBloccato's procedure on the embedded engine (parameters described),
+// through ODBC on SQLite3 (declared) and on a provider that describes some.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -15,42 +14,27 @@ namespace {
 
 using testing::ParserSession;
 
-// The answer and both flags for `user` on group/account, starting from
-// flags set to `start`.
-struct AccountAnswer {
-  bool blocked;
-  int16_t can_abilitato, can_visualizza;
-  bool operator==(const AccountAnswer& o) const {
-    return blocked == o.blocked && can_abilitato == o.can_abilitato &&
-           can_visualizza == o.can_visualizza;
-  }
-};
-std::ostream& operator<<(std::ostream& out, const AccountAnswer& a) {
-  return out << a.blocked << " " << a.can_abilitato << " " << a.can_visualizza;
-}
-AccountAnswer Ask(CLSFW_PARSER& p, int16_t gruppo, const std::string& conto, int16_t start) {
-  AccountAnswer a{false, start, start};
-  a.blocked = p.ContoPDCBloccato(gruppo, conto, a.can_abilitato, a.can_visualizza);
-  return a;
+// "blocked canAbilitato canVisualizza" for group/account, the flags starting at `start`.
+std::string Ask(CLSFW_PARSER& p, int16_t gruppo, const std::string& conto, int16_t start) {
+  int16_t can_abilitato = start, can_visualizza = start;
+  const bool blocked = p.ContoPDCBloccato(gruppo, conto, can_abilitato, can_visualizza);
+  return std::to_string(blocked) + " " + std::to_string(can_abilitato) + " " +
+         std::to_string(can_visualizza);
 }
 
-// ROSSI: 10/1001 revoked, 10/1002 enabled but not changeable; BIANCHI has
-// no account row. Every answer comes from the procedure.
+// ROSSI: 10/1001 revoked, 10/1002 not changeable; BIANCHI has no row.
 void ExpectAccountAnswers(ParserSession& session) {
   const struct {
-    const char* user;
+    const char *user, *conto, *expected;
     int16_t gruppo;
-    const char* conto;
-    AccountAnswer expected;
-  } cases[] = {
-      {"ROSSI", 10, "1001", {true, 0, 0}},    {"ROSSI", 10, "1002", {false, 1, 0}},
-      {"ROSSI", 10, "1003", {false, 1, 1}},   {"ROSSI", 20, "1001", {false, 1, 1}},
-      {"BIANCHI", 10, "1001", {false, 1, 1}},
-  };
+  } cases[] = {{"ROSSI", "1001", "1 0 0", 10},
+               {"ROSSI", "1002", "0 1 0", 10},
+               {"ROSSI", "1003", "0 1 1", 10},
+               {"ROSSI", "1001", "0 1 1", 20},
+               {"BIANCHI", "1001", "0 1 1", 10}};
   for (const auto& c : cases) {
     session.log->statements.clear();
-    auto parser = session.Other(c.user);
-    EXPECT_EQ(Ask(*parser, c.gruppo, c.conto, 7), c.expected) << c.user << " " << c.conto;
+    EXPECT_EQ(Ask(*session.Other(c.user), c.gruppo, c.conto, 7), c.expected) << c.user << c.conto;
     EXPECT_EQ(session.LastStatement(), "{call SPFW_GetInfoRevokeContoPDC}");
   }
   EXPECT_TRUE(session.Boxes().empty()) << session.Boxes().front().text;
@@ -71,33 +55,39 @@ TEST(AccountCheck, ProcedureThroughOdbcDeclaresItsParametersAndFillsBothFlags) {
   odbc->Close();
 }
 
-TEST(AccountCheck, ShortCutsSendNothing) {
-  // The privileged user and a disabled context (the only check that honours
-  // it) get both flags; a blank account leaves them as they were.
-  ParserSession zentad("ZentAd");
-  EXPECT_EQ(Ask(zentad.parser, 10, "1001", 0), (AccountAnswer{false, 1, 1}));
-  EXPECT_EQ(Ask(zentad.parser, 10, "  ", 5), (AccountAnswer{false, 5, 5}));
-  ParserSession disabled("ROSSI");
+TEST(AccountCheck, ShortCutsTheHostsIdAndFailures) {
+  // ZentAd and RevokeDisabilitata get both flags; a blank account leaves them.
+  ParserSession zentad("ZentAd"), disabled("ROSSI");
   disabled.parser.SetRevokeDisabilitata(true);
-  EXPECT_EQ(Ask(disabled.parser, 10, "1001", 0), (AccountAnswer{false, 1, 1}));
-  EXPECT_TRUE(zentad.Statements().empty());
-  EXPECT_TRUE(disabled.Statements().empty());
-}
-
-TEST(AccountCheck, UserIsLookedUpOnlyWhileTheIdIsZero) {
-  // An id the host set is used as it stands: BIANCHI's id under ROSSI's code.
+  EXPECT_EQ(Ask(zentad.parser, 10, "1001", 0) + "|" + Ask(zentad.parser, 10, "  ", 5) + "|" +
+                Ask(disabled.parser, 10, "1001", 0),
+            "0 1 1|0 5 5|0 1 1");
+  EXPECT_EQ(zentad.Statements().size() + disabled.Statements().size(), 0U);
+  // BIANCHI's id under ROSSI's code: no lookup.
   ParserSession rossi("ROSSI");
   rossi.parser.SetIdUser(demo::user_id::kBianchi);
-  EXPECT_EQ(Ask(rossi.parser, 10, "1001", 0), (AccountAnswer{false, 1, 1}));
+  EXPECT_EQ(Ask(rossi.parser, 10, "1001", 0), "0 1 1");
   EXPECT_EQ(rossi.Statements(), std::vector<std::string>{"{call SPFW_GetInfoRevokeContoPDC}"});
   EXPECT_FALSE(rossi.parser.Frame().UserResolved());
-}
-
-TEST(AccountCheck, MissingProcedureIsReportedAndTheFlagsKeepTheirValues) {
-  ParserSession rossi("ROSSI");
-  rossi.Run("DELETE FROM ZARVIK_ROUTINES WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
-  EXPECT_EQ(Ask(rossi.parser, 10, "1001", 4), (AccountAnswer{false, 4, 4}));
-  EXPECT_EQ(rossi.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
+  // A missing procedure or parameter is reported and the flags keep their values.
+  ParserSession missing("ROSSI");
+  missing.Run("DELETE FROM ZARVIK_ROUTINES WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
+  EXPECT_EQ(Ask(missing.parser, 10, "1001", 4), "0 4 4");
+  EXPECT_EQ(missing.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
+  // A body that names only :ContoPDC: ADO's error 3265, and no call.
+  ParserSession partly("ROSSI");
+  partly.Run(
+      "UPDATE ZARVIK_ROUTINES SET ROUTINE_BODY = 'SELECT CASE WHEN :ContoPDC = ''1001'' THEN 0 "
+      "ELSE 1 END AS canAbilitato, 1 AS canVisualizza' "
+      "WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
+  partly.log->statements.clear();
+  EXPECT_EQ(Ask(partly.parser, 10, "1001", 4), "0 4 4");
+  EXPECT_EQ(partly.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
+  EXPECT_EQ(partly.Boxes().at(0).text.rfind("3265 - Item cannot be found in the collection", 0), 0u)
+      << partly.Boxes().at(0).text;
+  for (const std::string& statement : partly.Statements()) {
+    EXPECT_EQ(statement.find("{call"), std::string::npos) << statement;
+  }
 }
 
 }  // namespace

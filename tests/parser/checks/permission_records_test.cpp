@@ -1,6 +1,4 @@
-// Rights records and the article-state list on the demo database: the
-// answers for ROSSI, the defaults for users without rows and for the
-// privileged user, and the statement texts.
+// Rights records and the article-state list on the demo database.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -14,23 +12,7 @@
 namespace zarvik {
 namespace {
 
-// The fields of a record in declared order, 'T' for True, 'F' for False.
-std::string Flags(std::initializer_list<int16_t> fields) {
-  std::string flags;
-  for (int16_t f : fields) flags += f == kVbTrue ? 'T' : f == kVbFalse ? 'F' : '?';
-  return flags;
-}
-std::string Flags(const tsRvkTipiMov& r) { return Flags({r.Cons, r.DaCons, r.Prev, r.PrevSim}); }
-std::string Flags(const tsRvkConsMov& r) { return Flags({r.DaCons_Cons, r.Prev_Cons}); }
-std::string Flags(const tsRvkFamiglia& r) {
-  return Flags({r.rvkExists, r.CanDelete, r.CanUpdate, r.CanInsert});
-}
-std::string Flags(const tsRvkDocumenti& r) {
-  return Flags({r.rvkExists, r.CanDelete, r.CanUpdate, r.CanInsert});
-}
-std::string Flags(const tsRvkConfig& r) {
-  return Flags({r.Abilitato, r.CanDelete, r.CanUpdate, r.CanInsert});
-}
+using testing::Flags;
 
 // PermessiDocTipologie, which must leave its by-reference arguments alone.
 std::string Documents(CLSFW_PARSER& p, const std::string& code, int16_t personalised) {
@@ -66,8 +48,7 @@ TEST_F(PermissionRecordTest, EachRecordForRossiForAUserWithoutRowsAndForThePrivi
       {"GIALLI", "GIALLI", false, {"FFFF", "FF", "FTTT", "FTTT", "TTTT", "TTTT"}},
       // The privileged user's document record reports a row, on purpose.
       {"ZentAd", "ZentAd", false, {"FFFF", "FF", "FTTT", "TTTT", "TTTT", "TTTT"}},
-      // The document and type records compare CodiceUtenteCLIFOR, the
-      // movement and family records CodiceUtente.
+      // Documents and types compare CodiceUtenteCLIFOR, the others CodiceUtente.
       {"ROSSI", "ZentAd", false, {"TFFT", "FT", "TFTF", "TTTT", "TTTT", "TTTT"}},
   };
   for (const auto& c : cases) {
@@ -87,7 +68,7 @@ TEST_F(PermissionRecordTest, EachRecordForRossiForAUserWithoutRowsAndForThePrivi
   EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(PermissionRecordTest, MovementClassesAndJournalTransfersRevokedForTheUser) {
+TEST_F(PermissionRecordTest, MovementClassesJournalTransfersAndFamilies) {
   AsUser("ROSSI");
   parser.InitRevokeTipiMov();
   EXPECT_EQ(LastStatement(),
@@ -100,10 +81,7 @@ TEST_F(PermissionRecordTest, MovementClassesAndJournalTransfersRevokedForTheUser
   // A code outside 0..3 changes nothing; an enabled row revokes nothing.
   AddParameterRows(", FW31_FLGABILITATO", "(9001, 5, 1, -1, '7', 0), (9002, 5, 1, -1, '2', 1)");
   EXPECT_EQ(Flags(parser.InitRevokeTipiMov()), "TFFT");
-}
-
-TEST_F(PermissionRecordTest, ArticleFamiliesAllowOnlyOnFlagOne) {
-  AsUser("ROSSI");
+  // Article families allow only on flag 1.
   EXPECT_EQ(Flags(parser.InitRevokeFamiglia("ELE")), "TFTF");
   EXPECT_EQ(LastStatement(),
             "SELECT FW3H_FLGELIMINA, FW3H_FLGINSERIMENTO, FW3H_FLGMODIFICA FROM FW3H_RVKARTICOLI  "
@@ -138,23 +116,18 @@ TEST_F(PermissionRecordTest, DocumentTypesFollowTheRightsRule) {
             "SELECT FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI FROM "
             "VFW31_RVKPARAMETRI \r\n WHERE FW31_ID_FW07 = 5 \r\n AND FW31_INDTIPO = 7\r\n AND "
             "FW31_CODTIPO = 'OCL'\r\n AND FW31_DITTARAGG = 0");
-  // VERDI's groups: AMM (1, 0, 1, 1) and MAG (1, 1, 0, 1) give the most
-  // permissive flags.
+  // VERDI's groups AMM (1, 0, 1, 1) and MAG (1, 1, 0, 1): the most permissive.
   EXPECT_EQ(Documents(*Other("VERDI"), "NCV", 0), "TTTT");
 }
 
-TEST_F(PermissionRecordTest, BillOfMaterialsTypesWithTheNinetyNineRow) {
+TEST_F(PermissionRecordTest, BillOfMaterialsAndWorkCycleTypesWithTheNinetyNineRow) {
   AsUser("ROSSI");
-  // ROSSI: '35' enabled, '99' revoked, '5' enabled without update. '99'
-  // wins over a type's own row and stands for all of 30..39, and for no
-  // type outside.
-  const std::vector<std::pair<int16_t, const char*>> cases = {
-      {35, "FFFF"}, {31, "FFFF"}, {30, "FFFF"}, {39, "FFFF"},
-      {5, "TTFF"},  {7, "TTTT"},  {29, "TTTT"}, {40, "TTTT"},
-  };
-  for (const auto& [type, expected] : cases) {
-    EXPECT_EQ(Flags(parser.PermessiTipologieDistintaBase(type)), expected) << type;
+  // ROSSI: '35' on, '99' revoked, '5' without update; '99' wins for 30..39 only.
+  std::string flags;
+  for (int16_t type : {35, 31, 30, 39, 5, 7, 29, 40}) {
+    flags += Flags(parser.PermessiTipologieDistintaBase(type)) + " ";
   }
+  EXPECT_EQ(flags, "FFFF FFFF FFFF FFFF TTFF TTTT TTTT TTTT ");
   const std::string head =
       "SELECT TOP 1 FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI FROM "
       "VFW31_RVKPARAMETRI \r\n WHERE FW31_ID_FW07 = 5 \r\n AND FW31_INDTIPO = 19\r\n AND "
@@ -163,30 +136,23 @@ TEST_F(PermissionRecordTest, BillOfMaterialsTypesWithTheNinetyNineRow) {
   EXPECT_EQ(LastStatement(), head + "IN ('35', '99') ORDER BY FW31_CODTIPO DESC");
   parser.PermessiTipologieDistintaBase(5);
   EXPECT_EQ(LastStatement(), head + "= '5'\r\n ORDER BY FW31_CODTIPO DESC");
-}
-
-TEST_F(PermissionRecordTest, WorkCycleTypesWithTheNinetyNineRow) {
-  AsUser("ROSSI");
-  const std::string head =
+  // Work-cycle types: ROSSI's '31' revoked, '35' enabled without update.
+  const std::string cycle =
       "SELECT TOP 1  FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI FROM "
       " VFW31_RVKPARAMETRI WHERE  FW31_ID_FW07   = 5 AND  FW31_INDTIPO   = 33 AND  FW31_DITTARAGG "
       "= -1 AND FW31_CODTIPO ";
-  // ROSSI: '31' revoked, '35' enabled without update.
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(31)), "FFFF");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(35)), "TTFF");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(32)), "TTTT");
-  EXPECT_EQ(LastStatement(), head + "IN ('32', '99') ORDER BY FW31_CODTIPO DESC");
+  EXPECT_EQ(LastStatement(), cycle + "IN ('32', '99') ORDER BY FW31_CODTIPO DESC");
   // A '99' row of kind 33 (enabled, delete refused) wins for 30..39 only.
   AddParameterRows(", FW31_FLGABILITATO, FW31_FLGMODIFICA, FW31_FLGELIMINA, FW31_FLGINSERISCI",
                    "(9001, 5, 33, -1, '99', 1, 1, 0, 1), (9002, 5, 33, -1, '4', 1, 1, 1, 0)");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(35)), "TFTT");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(32)), "TFTT");
   EXPECT_EQ(Flags(parser.PermessiTipologieCicliLavorazione(4)), "TTTF");
-  EXPECT_EQ(LastStatement(), head + "= '4'\r\n ORDER BY FW31_CODTIPO DESC");
-}
-
-TEST_F(PermissionRecordTest, QuoteInACodeIsReportedAndTheDefaultsStand) {
-  AsUser("ROSSI");
+  EXPECT_EQ(LastStatement(), cycle + "= '4'\r\n ORDER BY FW31_CODTIPO DESC");
+  // A quote in a code is reported and the defaults stand.
   EXPECT_EQ(Flags(parser.InitRevokeFamiglia("E'L")), "FTTT");
   EXPECT_EQ(Documents(parser, "N'CV", 0), "FTTT");
   EXPECT_EQ(BoxTags(), (std::vector<std::string>{"InitRevokeFamiglia", "PermessiDocTipologie"}));

@@ -1,5 +1,4 @@
-// The rights rule as a table, and the production document and operation
-// codes of the activity check.
+// The rights rule, and the production document and operation codes.
 #include "parser/checks/rights_rule.h"
 
 #include <gtest/gtest.h>
@@ -9,17 +8,13 @@
 
 #include "parser/checks/production_activity.h"
 #include "parser/checks/rights_records.h"
+#include "parser/parser_test_support.h"
 #include "platform/vb_error.h"
 
 namespace zarvik::checks {
 namespace {
 
-// The four fields, 'T' for True, 'F' for False.
-std::string Flags(int16_t a, int16_t b, int16_t c, int16_t d) {
-  std::string flags;
-  for (int16_t f : {a, b, c, d}) flags += f == kVbTrue ? 'T' : f == kVbFalse ? 'F' : '?';
-  return flags;
-}
+using zarvik::testing::Flags;
 
 TEST(RightsRuleTest, RowFlagsGiveTheRights) {
   const Variant null = Variant::Null();
@@ -43,23 +38,14 @@ TEST(RightsRuleTest, RowFlagsGiveTheRights) {
   for (const auto& c : cases) {
     tsRvkConfig config;
     ApplyRightsRule(c.row, config);
-    EXPECT_EQ(Flags(config.Abilitato, config.CanDelete, config.CanUpdate, config.CanInsert),
-              c.expected)
-        << c.what;
-    // The document record gets the same rights; its first field says that
-    // a row exists, revoked or not.
+    EXPECT_EQ(Flags(config), c.expected) << c.what;
+    // The document record: the same rights, and a row exists, revoked or not.
     tsRvkDocumenti documents;
     ApplyRightsRule(c.row, documents);
-    EXPECT_EQ(
-        Flags(documents.rvkExists, documents.CanDelete, documents.CanUpdate, documents.CanInsert),
-        "T" + std::string(c.expected).substr(1))
-        << c.what;
+    EXPECT_EQ(Flags(documents), "T" + std::string(c.expected).substr(1)) << c.what;
   }
-}
-
-TEST(RightsRuleTest, FlagThatCannotBeAssignedLeavesTheRecordHalfWay) {
-  // Null insert flag under update allowed: VB cannot assign Null to a
-  // Boolean; update is already set, delete is not touched yet.
+  // A flag that cannot be assigned leaves the record half-way.
+  // A Null insert flag cannot be assigned: update is set, delete untouched.
   tsRvkConfig record;
   record.CanDelete = kVbFalse;
   try {
@@ -68,7 +54,7 @@ TEST(RightsRuleTest, FlagThatCannotBeAssignedLeavesTheRecordHalfWay) {
   } catch (const VbError& error) {
     EXPECT_EQ(error.Number(), vberr::kInvalidUseOfNull);
   }
-  EXPECT_EQ(Flags(record.Abilitato, record.CanDelete, record.CanUpdate, record.CanInsert), "TFTT");
+  EXPECT_EQ(Flags(record), "TFTT");
   tsRvkDocumenti documents;
   EXPECT_THROW(ApplyRightsRule({"abc", 1, 1, 1}, documents), VbError);
   // Sixteen bits per field, in declared order, nothing between them.
@@ -90,24 +76,17 @@ TEST(ProductionActivityTest, DocumentIndexOfEachTypeAndSubtype) {
     const auto index = ProductionDocumentIndex(c.tipo, c.sottotipo);
     EXPECT_EQ(index ? *index : -1, c.index) << c.tipo << "/" << c.sottotipo;
   }
-}
-
-TEST(ProductionActivityTest, OperationCodesWithTheFirstDependingOnTheDocument) {
-  for (int16_t index : {0, 1, 5, 6, 7, 11, 12, 15, 16}) {
-    EXPECT_EQ(ProductionOperationCode(1, index), "01") << index;
-  }
-  for (int16_t index : {3, 4, 9, 10, 13, 14}) EXPECT_EQ(ProductionOperationCode(1, index), "02");
-  for (int16_t index : {2, 8, -1}) EXPECT_EQ(ProductionOperationCode(1, index), "") << index;
-  // Operations 5 and 6 swap their codes (deliberate); the document does not
-  // matter for these.
-  const std::vector<std::pair<int16_t, const char*>> codes = {
-      {2, "03"},  {3, "04"},  {4, "05"},  {5, "07"},  {6, "06"},  {7, "08"},
-      {8, "09"},  {9, "10"},  {10, "11"}, {11, "12"}, {12, "13"}, {13, "14"},
-      {14, "15"}, {15, "16"}, {0, ""},    {16, ""},   {-1, ""},
-  };
-  for (const auto& [operation, code] : codes) {
-    EXPECT_EQ(ProductionOperationCode(operation, 2), code) << operation;
-    EXPECT_EQ(ProductionOperationCode(operation, 3), code) << operation;
+  // Operation codes, the first depending on the document.
+  // Operation 1 on document indexes -1..16.
+  std::string first;
+  for (int16_t index = -1; index <= 16; ++index) first += ProductionOperationCode(1, index) + " ";
+  EXPECT_EQ(first, " 01 01  02 02 01 01 01  02 02 01 01 02 02 01 01 ");
+  // Operations -1, 0, 2..16 on two documents: 5 and 6 swap their codes (deliberate).
+  for (int16_t index : {2, 3}) {
+    std::string codes;
+    for (int16_t op = -1; op <= 16; ++op)
+      codes += op == 1 ? "" : ProductionOperationCode(op, index) + " ";
+    EXPECT_EQ(codes, "  03 04 05 07 06 08 09 10 11 12 13 14 15 16  ") << index;
   }
 }
 

@@ -1,6 +1,4 @@
-// CLSFW_PARSER's answers that are not predicate texts: the destinations of
-// the host's agent, the revoked customers as a recordset, the enabled
-// article states as an array, the movement types, the warehouse transfer.
+// Destinations of the host's agent, recordsets, arrays, the warehouse transfer.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -49,26 +47,24 @@ TEST_F(ConditionAnswerTest, DestinationsOfTheHostsAgent) {
             " AND " + expected);
   // Another alias is used in every place but the destination column.
   const std::string aliased = parser.SQLConditionDestinazioni("N", "D", "T", "C", false, "Q");
-  EXPECT_NE(aliased.find("FROM       MG2G_DESTAGEMUL Q WITH (NOLOCK)           "),
-            std::string::npos);
-  EXPECT_NE(aliased.find("Q.MG2G_CLIFOR_CG44 = C AND MG2G_CODDESTIN_MG22 = N) "),
-            std::string::npos);
-  EXPECT_EQ(aliased.find("MG2GRVK"), std::string::npos);
-  // No agent (in any form), the disabled flag, the privileged user code or
-  // no host object: nothing.
+  EXPECT_NE(aliased.find("FROM       MG2G_DESTAGEMUL Q WITH (NOLOCK)           "), aliased.npos);
+  EXPECT_NE(aliased.find("Q.MG2G_CLIFOR_CG44 = C AND MG2G_CODDESTIN_MG22 = N) "), aliased.npos);
+  EXPECT_EQ(aliased.find("MG2GRVK"), aliased.npos);
+  // No agent (any form), disabled, privileged or no host object: nothing.
+  std::string none;
   for (const Variant& agent : {Variant::Null(), Variant(int16_t{0}), Variant(), Variant("0")}) {
     HostWithAgent(agent);
-    EXPECT_EQ(Destinations(), "");
+    none += Destinations();
   }
   HostWithAgent(Variant(int32_t{12}));
   parser.SetRevokeDisabilitata(true);
-  EXPECT_EQ(Destinations(), "");
+  none += Destinations();
   parser.SetRevokeDisabilitata(false);
   parser.SetCodiceUtente("ZentAd");
-  EXPECT_EQ(Destinations(), "");
+  none += Destinations();
   parser.SetCodiceUtente("GIALLI");
   parser.SetActiveInterface(nullptr);
-  EXPECT_EQ(Destinations(), "");
+  EXPECT_EQ(none + Destinations(), "");
   EXPECT_TRUE(Boxes().empty());
   // A host without the agent member is reported.
   auto global = MakeHostObject({{"Gcls_UtenteCorrente", Variant(ObjectRef(MakeHostObject()))}});
@@ -102,8 +98,7 @@ TEST_F(ConditionAnswerTest, RevokedCustomersWithTheKindTheAgentSelects) {
             "= CG44_DITTA_CG18       AND RVKTIPOCF = CG44_TIPOCF      AND RVKCLIFOR = CG44_CLIFOR  "
             "WHERE RVKUTENTE = 5       AND CG44_TIPOCF = 0");
   EXPECT_EQ(Codes(rows), "1/10 1/11 1/2 1/5 1/6 1/7 1/8 1/9 ");
-  // The blank agent stays normalised to the number 0; agent id 1 happens to
-  // select the supplier kind.
+  // The blank agent stays the number 0; agent id 1 selects the supplier kind.
   EXPECT_EQ(parser.IdAgente().Type(), VarType::kInteger);
   parser.SetIdAgente(Variant(int32_t{1}));
   EXPECT_EQ(Codes(parser.CliForRevocati()), "1/102 1/103 1/104 ");
@@ -129,8 +124,7 @@ TEST_F(ConditionAnswerTest, EnabledArticleStatesAsATwoRowArray) {
   }
   EXPECT_EQ(states, "0=Attivo;1=In esaurimento;2=Bloccato acquisti;4=Nuovo;");
   EXPECT_EQ(Other("ZentAd")->StatiArticoloMagaArray().ToArray()->UBound(2), 4);
-  // No enabled state gives Empty, not an empty array; so does a server-side
-  // cursor (RecordCount -1).
+  // No enabled state, or a server-side cursor (RecordCount -1): Empty.
   db->SetCursorLocation(db::kUseServer);
   EXPECT_TRUE(Other("GIALLI")->StatiArticoloMagaArray().IsEmpty());
   db->SetCursorLocation(db::kUseClient);
@@ -144,35 +138,8 @@ TEST_F(ConditionAnswerTest, EnabledArticleStatesAsATwoRowArray) {
   EXPECT_EQ(BoxTags(), (std::vector<std::string>{"StatiArticoloMaga", "StatiArticoloMagaArray"}));
 }
 
-TEST_F(ConditionAnswerTest, TransferUsesTheIdAsItStandsWithoutALookup) {
-  AsUser("ROSSI");
-  parser.SetIdUser(demo::user_id::kRossi);
-  std::string origin = "A1";
-  std::string destination = "C3";
-  EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 1);
-  EXPECT_EQ(Statements(),
-            std::vector<std::string>{"SELECT dbo.FNFW_TRASFREVOCATI (1, 5, 'A1', 'C3')"});
-  origin = "C3";
-  destination = "D4";
-  EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 0);
-  EXPECT_EQ(origin + destination, "C3D4");
-  // Unresolved, the id is 0 and nothing is revoked for user 0.
-  auto fresh = Other("ROSSI");
-  origin = "A1";
-  EXPECT_EQ(fresh->TrasferimentoDepositi(origin, destination), 0);
-  EXPECT_EQ(LastStatement(), "SELECT dbo.FNFW_TRASFREVOCATI (1, 0, 'A1', 'D4')");
-  EXPECT_FALSE(fresh->Frame().UserResolved());
-  // Without a connection it reports and answers 0; it does not open one.
-  parser.SetConnectionADO(nullptr);
-  parser.SetConnectionStringADO(demo::DemoConnectionString(":memory:"));
-  EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 0);
-  EXPECT_EQ(parser.ConnectionADO(), nullptr);
-  EXPECT_EQ(BoxTags(), std::vector<std::string>{"TrasferimentoDepositi"});
-}
-
-TEST_F(ConditionAnswerTest, MovementTypeListKeepsItsHistoricalTextAndFails) {
-  // The missing '=' after FW31_ID_FW07 fails on every engine; the
-  // privileged user is resolved too and gets every type enabled.
+TEST_F(ConditionAnswerTest, MovementTypeListAndTheWarehouseTransfer) {
+  // The missing '=' after FW31_ID_FW07 fails for everyone, ZentAd too.
   const std::string join =
       "  FROM CGT0_TIPOMOV LEFT OUTER JOIN VFW31_RVKPARAMETRI ON CGT0_TIPOMOV.CGT0_CODICE = "
       "FW31_CODTIPO  AND FW31_ID_FW07 ";
@@ -188,6 +155,29 @@ TEST_F(ConditionAnswerTest, MovementTypeListKeepsItsHistoricalTextAndFails) {
   ASSERT_EQ(Statements().size(), 2U);
   EXPECT_EQ(Statements()[1], " SELECT  CGT0_CODICE AS CODICE, 1 AS ABILITATO" + join +
                                  "1 AND FW31_INDTIPO = 1 WHERE CGT0_FLGCANREVOKE = 1");
+  // The transfer uses the id as it stands, without a lookup.
+  log->statements.clear();
+  parser.SetIdUser(demo::user_id::kRossi);
+  std::string origin = "A1", destination = "C3";
+  EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 1);
+  EXPECT_EQ(Statements(),
+            std::vector<std::string>{"SELECT dbo.FNFW_TRASFREVOCATI (1, 5, 'A1', 'C3')"});
+  origin = "C3", destination = "D4";
+  EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 0);
+  EXPECT_EQ(origin + destination, "C3D4");
+  // Unresolved, the id is 0 and nothing is revoked for user 0.
+  auto fresh = Other("ROSSI");
+  origin = "A1";
+  EXPECT_EQ(fresh->TrasferimentoDepositi(origin, destination), 0);
+  EXPECT_EQ(LastStatement(), "SELECT dbo.FNFW_TRASFREVOCATI (1, 0, 'A1', 'D4')");
+  EXPECT_FALSE(fresh->Frame().UserResolved());
+  // Without a connection it reports and answers 0; it does not open one.
+  parser.SetConnectionADO(nullptr);
+  parser.SetConnectionStringADO(demo::DemoConnectionString(":memory:"));
+  EXPECT_EQ(parser.TrasferimentoDepositi(origin, destination), 0);
+  EXPECT_EQ(parser.ConnectionADO(), nullptr);
+  EXPECT_EQ(BoxTags(), (std::vector<std::string>{"InitRevokeTipiMov", "InitRevokeTipiMov",
+                                                 "TrasferimentoDepositi"}));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
-// The statements the rewriter's fuzz and byte-identity tests run: random
-// token strings and mutations of realistic host statements, from a seeded
-// generator whose picks are the same with every standard library.
+// The fuzz and byte-identity statements: random token strings and mutated host
+// statements, from picks that are the same with every standard library.
 #ifndef ZARVIK_TESTS_PARSER_REWRITER_REWRITE_CORPUS_H_
 #define ZARVIK_TESTS_PARSER_REWRITER_REWRITE_CORPUS_H_
 
@@ -13,13 +12,11 @@
 
 namespace zarvik::testing {
 
-// A number in lo..hi (the distributions of <random> differ between
-// libraries; this does not).
+// A number in lo..hi (<random>'s distributions differ between libraries).
 inline size_t Pick(std::mt19937& rng, size_t lo, size_t hi) { return lo + rng() % (hi - lo + 1); }
 
-// Pieces the generator glues together, '|'-separated: keywords in both
-// cases, table names of every prefix the dispatch knows, aliases, literals
-// and the characters the scanner looks at.
+// Keywords in both cases, every prefix the dispatch knows, aliases, literals
+// and the characters the scanner looks at, '|'-separated.
 inline std::vector<std::string> Tokens() {
   const std::string all =
       "SELECT|select|FROM|from|WHERE|where|UNION|union|JOIN|join|INNER|LEFT|left|RIGHT|"
@@ -89,8 +86,7 @@ inline std::string Mutate(std::mt19937& rng, std::string s) {
   return s;
 }
 
-// Statements beyond 32767 characters, keywords inside and outside the
-// 16-bit range.
+// Statements beyond 32767 characters, keywords inside and outside 16 bits.
 inline std::vector<std::string> LongStatements() {
   std::vector<std::string> out;
   for (size_t pad : {32700U, 32760U, 32770U, 40000U, 70000U}) {

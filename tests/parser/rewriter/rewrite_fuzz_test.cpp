@@ -1,6 +1,5 @@
-// Random and mutated statements through ElaboraStrSQL: no crash, no hang,
-// nothing thrown, and every answer is one the rewriter can give. The seed
-// is fixed and the run is bounded in count and time.
+// Random and mutated statements through ElaboraStrSQL: no crash, hang or
+// throw, and every answer one the rewriter can give (fixed seed, bounded run).
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -48,8 +47,7 @@ class RewriteFuzz : public ::testing::Test {
       case ScanOutcome::kNotScanned:
         FAIL() << "the guard passed for ROSSI";
     }
-    // The only box a garbled statement may raise is the parser's own:
-    // every condition builder the dispatch runs sends fixed SQL.
+    // Only the parser's own box: the dispatch's builders send fixed SQL.
     for (const Message& m : rossi.sink->messages) ASSERT_EQ(m.title, "Parser Error") << m.text;
     rossi.sink->messages.clear();
   }
@@ -83,8 +81,7 @@ TEST_F(RewriteFuzz, MutatedHostStatements) {
 }
 
 TEST_F(RewriteFuzz, LongStatementsAroundThe16BitLimit) {
-  // A statement beyond 32767 characters either keeps its keywords within
-  // the 16-bit range or ends silently with "".
+  // Beyond 32767 characters: keywords within 16 bits, or "" silently.
   for (const std::string& s : testing::LongStatements()) {
     Check(s);
     if (HasFatalFailure()) return;

@@ -19,14 +19,15 @@ class RewriterProbe {
     p.FiltriStrSQL(prefix, where_pos, is_from_list, condition);
     return condition;
   }
+  // The dispatch's text for a table, for the resolved user.
+  static std::string Table(CLSFW_PARSER& p, const std::string& prefix) {
+    p.Frame().ResolveUser();
+    return p.TableText(prefix);
+  }
   static int16_t TipoCFHint(const CLSFW_PARSER& p) { return p.tipo_cf_hint_; }
-  static bool CliForDone(const CLSFW_PARSER& p) { return p.clifor_done_; }
-  static void SetCliForDone(CLSFW_PARSER& p, bool value) { p.clifor_done_ = value; }
-  static const std::string& CurrentAlias(const CLSFW_PARSER& p) { return p.current_alias_; }
   static void SetCurrentAlias(CLSFW_PARSER& p, const std::string& alias) {
     p.current_alias_ = alias;
   }
-  static bool FromRewriter(const CLSFW_PARSER& p) { return p.from_rewriter_; }
   static void SetFromRewriter(CLSFW_PARSER& p, bool value) { p.from_rewriter_ = value; }
   static std::string AgentRule(const CLSFW_PARSER& p) { return p.AgentRule(); }
 
@@ -34,10 +35,7 @@ class RewriterProbe {
   static std::string Sedi(CLSFW_PARSER& p, const std::string& tabella, bool inserire_and) {
     return p.Sedi(tabella, inserire_and);
   }
-  static std::string CausaliContabili(CLSFW_PARSER& p, const std::string& alias) {
-    p.current_alias_ = alias;
-    return p.CausaliContabili();
-  }
+  static std::string CausaliContabili(CLSFW_PARSER& p) { return p.CausaliContabili(); }
 };
 
 }  // namespace zarvik
