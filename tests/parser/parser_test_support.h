@@ -29,8 +29,7 @@ inline void SetUser(CLSFW_PARSER& p, const std::string& code, const std::string&
   p.SetCodiceUtenteCLIFOR(code);
 }
 
-// The customer/supplier condition on three columns for user `id`, or on
-// the CG44 columns qualified by `q`.
+// The customer/supplier condition on three columns for user `id`, or on CG44's qualified by `q`.
 inline std::string CliFor(const std::string& ditta, const std::string& tipo,
                           const std::string& clifor, int id = 5) {
   return " NOT EXISTS  (SELECT RVKCLIFOR   FROM VFW32_LISTACFREVOCATI   WHERE RVKDITTA = " + ditta +
@@ -103,14 +102,6 @@ struct ParserSession {
   const std::vector<std::string>& Statements() const { return log->statements; }
   std::string LastStatement() const {
     return log->statements.empty() ? std::string() : log->statements.back();
-  }
-  // The first column of every row of `sql`, as text, blank-separated.
-  std::string Rows(const std::string& sql) {
-    std::string values;
-    for (const auto& row : demo::QueryRows(*db, sql)) {
-      values += (values.empty() ? "" : " ") + row.at(0).ConcatText();
-    }
-    return values;
   }
   const std::vector<Message>& Boxes() const { return sink->messages; }
   // The tag of every box shown so far (what follows the reporter's marker).

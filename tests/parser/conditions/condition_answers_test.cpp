@@ -116,8 +116,9 @@ TEST_F(ConditionAnswerTest, EnabledArticleStatesAsATwoRowArray) {
   const Variant result = parser.StatiArticoloMagaArray();
   ASSERT_EQ(result.Type(), VarType::kArray);
   const auto array = result.ToArray();
-  EXPECT_EQ(array->LBound(1) * 10 + array->UBound(1) * 100 + array->LBound(2), 100);
-  ASSERT_EQ(array->UBound(2), 3);
+  ASSERT_EQ(std::to_string(array->LBound(1)) + ".." + std::to_string(array->UBound(1)) + " " +
+                std::to_string(array->LBound(2)) + ".." + std::to_string(array->UBound(2)),
+            "0..1 0..3");
   std::string states;
   for (int32_t i = 0; i < 4; ++i) {
     states += array->At(0, i).ConcatText() + "=" + array->At(1, i).ToString() + ";";

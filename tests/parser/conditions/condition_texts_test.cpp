@@ -56,43 +56,50 @@ struct ConditionCase {
   const char* name;
   Compares compares;
   std::function<S(P&, bool)> call;  // the builder with inserire_and
-  S text;  // its answer without " AND " ("": pinned by the rewrite digest through DO11/PD90)
+  S text;  // its answer without " AND " ("": pinned by the rewrite digest through CG44/DO11/PD90)
   S and_prefix = " AND ";  // what inserire_and puts before it
 };
 
-#define BUILDER(call) [](P& p, bool a) { return p.call; }
-
 const std::vector<ConditionCase>& Cases() {
   static const std::vector<ConditionCase> cases = {
-      {"CliFor", Compares::kClifor, BUILDER(SQLConditionCliFor("CG44", a)),
-       CliFor("CG44_DITTA_CG18", "CG44_TIPOCF", "CG44_CLIFOR")},
-      {"DocMG36", Compares::kClifor, BUILDER(SQLConditionDocMG36("MG36_CODDOCUM", a)), ""},
-      {"Contesto", Compares::kClifor, BUILDER(SQLConditionContesto("C.X", a)),
+      {"CliFor", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionCliFor("CG44", a); },
+       ""},
+      {"DocMG36", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionDocMG36("MG36_CODDOCUM", a); }, ""},
+      {"Contesto", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionContesto("C.X", a); },
        Kind("20", "-1 ", "C.X")},
-      {"Insiemi", Compares::kClifor, BUILDER(SQLConditionInsiemi("I.X", a)),
+      {"Insiemi", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionInsiemi("I.X", a); },
        Kind("29", "-1 ", "I.X")},
-      {"Progetto", Compares::kClifor, BUILDER(SQLConditionProgetto("PX", a)), Kind("8", "1", "PX")},
+      {"Progetto", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionProgetto("PX", a); },
+       Kind("8", "1", "PX")},
       {"TracciatiImport", Compares::kClifor,
-       BUILDER(SQLConditionTracciatiImport("T.S", Variant("T.C"), a)), Kind("27", "T.S", "T.C")},
-      {"TracciatiExport", Compares::kClifor, BUILDER(SQLConditionTracciatiExport("T.S", "T.C", a)),
+       [](P& p, bool a) { return p.SQLConditionTracciatiImport("T.S", Variant("T.C"), a); },
+       Kind("27", "T.S", "T.C")},
+      {"TracciatiExport", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionTracciatiExport("T.S", "T.C", a); },
        Kind("28", "T.S", "T.C")},
-      {"WizAnag", Compares::kClifor, BUILDER(SQLConditionWizAnag(3, "W.M", "W.I", a)),
+      {"WizAnag", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionWizAnag(3, "W.M", "W.I", a); },
        " NOT EXISTS (SELECT TOP 1 1      FROM VFW31_RVKPARAMETRI      WHERE FW31_ID_FW07 = 5    "
        "      AND FW31_INDTIPO = 16         AND FW31_FLGABILITATO = 0          AND "
        "FW31_DITTARAGG = W.I         AND FW31_CODTIPO = W.M) "},
-      {"Nodo", Compares::kClifor, BUILDER(SQLConditionNodo("PD0C_CODNODO", "PD0C_CODPROG_PD68", a)),
+      {"Nodo", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionNodo("PD0C_CODNODO", "PD0C_CODPROG_PD68", a); },
        " NOT EXISTS (SELECT TOP 1 1  FROM VFW3N_RVKNODI  WHERE FW3N_ID_FW07 = 5  AND "
        "FW3N_DITTA_CG18 = 1 AND FW3N_CODPROG_PD68 = PD0C_CODPROG_PD68 AND FW3N_CODNODO = "
        "PD0C_CODNODO) "},
-      {"CodSimPD90", Compares::kBoth, BUILDER(SQLConditionCodSimPD90("PD90_SIMULAZIONE", a)), ""},
-      // Warehouses are quoted, offices not; AllowNull adds IS NULL.
-      {"Depositi", Compares::kClifor, BUILDER(SQLConditionDepositi("D", a)),
-       " (D NOT IN ('A1' , 'B2' ) OR D IS NULL )"},
-      {"Depositi without null", Compares::kClifor, BUILDER(SQLConditionDepositi("D", a, false)),
+      {"CodSimPD90", Compares::kBoth,
+       [](P& p, bool a) { return p.SQLConditionCodSimPD90("PD90_SIMULAZIONE", a); }, ""},
+      // Warehouses are quoted, offices not; without AllowNull no IS NULL.
+      {"Depositi", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionDepositi("D", a); },
+       ""},
+      {"Depositi without null", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionDepositi("D", a, false); },
        "D NOT IN ('A1' , 'B2' )"},
-      {"SediMov", Compares::kClifor, BUILDER(SQLConditionSediMov("S", a, false)),
-       "S NOT IN (3 , 12 )"},
-      {"StatiArticolo", Compares::kClifor, BUILDER(SQLConditionStatiArticolo(a)),
+      {"SediMov", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionSediMov("S", a, false); }, "S NOT IN (3 , 12 )"},
+      {"StatiArticolo", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionStatiArticolo(a); },
        " MG66_INDSTATO_MG6W IN (                   (SELECT MG6W_INDSTATO                       "
        "FROM MG6W_STATIART                      WHERE NOT EXISTS (SELECT TOP 1 1               "
        "                          FROM VFW31_RVKPARAMETRI                                       "
@@ -100,8 +107,9 @@ const std::vector<ConditionCase>& Cases() {
        "            AND FW31_ID_FW07 = 5                                             AND "
        "FW31_INDTIPO = 14                                                AND FW31_DITTARAGG = "
        "-1))) "},
-      {"TipiListiniP", Compares::kClifor, BUILDER(SQLConditionTipiListiniP("TL", a)),
-       " TL NOT IN (2, 5)", " AND"},
+      {"TipiListiniP", Compares::kClifor,
+       [](P& p, bool a) { return p.SQLConditionTipiListiniP("TL", a); }, " TL NOT IN (2, 5)",
+       " AND"},
       {"TipiMovimenti", Compares::kUser,
        [](P& p, bool a) {
          S column = "CGT0_CODICE";
@@ -118,14 +126,18 @@ const std::vector<ConditionCase>& Cases() {
       {"Cerved update", Compares::kUser, [](P& p, bool a) { return Cerved(p, a, -1); },
        CervedText("FW31_FLGMODIFICA")},
       {"ContiPDC", Compares::kUser,
-       BUILDER(SQLConditionContiPDC("CG42_GRUPPOPDC", "CG42_CONTOPDC", a)),
+       [](P& p, bool a) { return p.SQLConditionContiPDC("CG42_GRUPPOPDC", "CG42_CONTOPDC", a); },
        " NOT  " + kContiPDC + kUnchangeable + kContiPDCTail},
       // Blocked accounts default to counting the unchangeable ones too.
       {"ContiPDCBloccati", Compares::kUser,
-       BUILDER(SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a)),
+       [](P& p, bool a) {
+         return p.SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a);
+       },
        " " + kContiPDC + kUnchangeable + kContiPDCTail},
       {"ContiPDCBloccati changeable", Compares::kUser,
-       BUILDER(SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a, false)),
+       [](P& p, bool a) {
+         return p.SQLConditionContiPDCBloccati("CG42_GRUPPOPDC", "CG42_CONTOPDC", a, false);
+       },
        " " + kContiPDC + "    " + kContiPDCTail},
   };
   return cases;
