@@ -1,5 +1,4 @@
-// Block checks on the demo database: both answers, the statement each sends,
-// the short cuts that send nothing, and the quirks the host sees.
+// Block checks on the demo database: answers, statements sent, short cuts and quirks.
 #include <gtest/gtest.h>
 
 #include <functional>

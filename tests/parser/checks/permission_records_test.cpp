@@ -1,4 +1,4 @@
-// Rights records and the article-state list on the demo database.
+// Rights records and the article-state lists on the demo database.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -179,6 +179,26 @@ TEST_F(PermissionRecordTest, ArticleStatesWithTheirEnabledFlag) {
             "FW31_ID_FW07 = 5                      AND FW31_INDTIPO = 14  ORDER BY MG6W_INDSTATO ");
   // The caller owns the recordset: it stays open after the object goes.
   EXPECT_EQ(states->State(), 1);
+  // The enabled ones as a two-row array of code and description.
+  const Variant result = parser.StatiArticoloMagaArray();
+  ASSERT_EQ(result.Type(), VarType::kArray);
+  const auto array = result.ToArray();
+  ASSERT_EQ(std::to_string(array->LBound(1)) + ".." + std::to_string(array->UBound(1)) + " " +
+                std::to_string(array->LBound(2)) + ".." + std::to_string(array->UBound(2)),
+            "0..1 0..3");
+  std::string enabled;
+  for (int32_t i = 0; i < 4; ++i) {
+    enabled += array->At(0, i).ConcatText() + "=" + array->At(1, i).ToString() + ";";
+  }
+  EXPECT_EQ(enabled, "0=Attivo;1=In esaurimento;2=Bloccato acquisti;4=Nuovo;");
+  // No enabled state, or a server-side cursor (RecordCount -1): Empty.
+  db->SetCursorLocation(db::kUseServer);
+  EXPECT_TRUE(Other("GIALLI")->StatiArticoloMagaArray().IsEmpty());
+  db->SetCursorLocation(db::kUseClient);
+  AddParameterRows(", FW31_FLGABILITATO",
+                   "(9001, 5, 14, -1, '0', 0), (9002, 5, 14, -1, '1', 0), "
+                   "(9003, 5, 14, -1, '2', 0), (9004, 5, 14, -1, '4', 0)");
+  EXPECT_TRUE(parser.StatiArticoloMagaArray().IsEmpty());
   // The privileged user has them all enabled.
   AsUser("ZentAd");
   log->statements.clear();
@@ -186,10 +206,13 @@ TEST_F(PermissionRecordTest, ArticleStatesWithTheirEnabledFlag) {
   EXPECT_EQ(Statements(), std::vector<std::string>{" SELECT MG6W_INDSTATO, MG6W_DESCR,   1 AS "
                                                    "ENABLED  FROM MG6W_STATIART  ORDER BY "
                                                    "MG6W_INDSTATO "});
+  EXPECT_TRUE(Boxes().empty());
   // Without a connection there is nothing.
   parser.SetConnectionADO(nullptr);
   EXPECT_EQ(parser.StatiArticoloMaga(), nullptr);
-  EXPECT_EQ(BoxTags(), std::vector<std::string>{"StatiArticoloMaga"});
+  EXPECT_TRUE(parser.StatiArticoloMagaArray().IsEmpty());
+  EXPECT_EQ(BoxTags(), (std::vector<std::string>{"StatiArticoloMaga", "StatiArticoloMaga",
+                                                 "StatiArticoloMagaArray"}));
 }
 
 }  // namespace

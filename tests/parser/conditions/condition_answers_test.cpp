@@ -1,4 +1,4 @@
-// Destinations of the host's agent, recordsets, arrays, the warehouse transfer.
+// Destinations of the host's agent, revoked customers, movement types, the warehouse transfer.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -109,34 +109,6 @@ TEST_F(ConditionAnswerTest, RevokedCustomersWithTheKindTheAgentSelects) {
   db->Execute("DROP VIEW VFW32_LISTACFREVOCATI");
   EXPECT_EQ(parser.CliForRevocati(), nullptr);
   EXPECT_EQ(BoxTags(), std::vector<std::string>{"CliForRevocati"});
-}
-
-TEST_F(ConditionAnswerTest, EnabledArticleStatesAsATwoRowArray) {
-  AsUser("ROSSI");
-  const Variant result = parser.StatiArticoloMagaArray();
-  ASSERT_EQ(result.Type(), VarType::kArray);
-  const auto array = result.ToArray();
-  ASSERT_EQ(std::to_string(array->LBound(1)) + ".." + std::to_string(array->UBound(1)) + " " +
-                std::to_string(array->LBound(2)) + ".." + std::to_string(array->UBound(2)),
-            "0..1 0..3");
-  std::string states;
-  for (int32_t i = 0; i < 4; ++i) {
-    states += array->At(0, i).ConcatText() + "=" + array->At(1, i).ToString() + ";";
-  }
-  EXPECT_EQ(states, "0=Attivo;1=In esaurimento;2=Bloccato acquisti;4=Nuovo;");
-  EXPECT_EQ(Other("ZentAd")->StatiArticoloMagaArray().ToArray()->UBound(2), 4);
-  // No enabled state, or a server-side cursor (RecordCount -1): Empty.
-  db->SetCursorLocation(db::kUseServer);
-  EXPECT_TRUE(Other("GIALLI")->StatiArticoloMagaArray().IsEmpty());
-  db->SetCursorLocation(db::kUseClient);
-  AddParameterRows(", FW31_FLGABILITATO",
-                   "(9001, 5, 14, -1, '0', 0), (9002, 5, 14, -1, '1', 0), "
-                   "(9003, 5, 14, -1, '2', 0), (9004, 5, 14, -1, '4', 0)");
-  EXPECT_TRUE(parser.StatiArticoloMagaArray().IsEmpty());
-  EXPECT_TRUE(Boxes().empty());
-  parser.SetConnectionADO(nullptr);
-  EXPECT_TRUE(parser.StatiArticoloMagaArray().IsEmpty());
-  EXPECT_EQ(BoxTags(), (std::vector<std::string>{"StatiArticoloMaga", "StatiArticoloMagaArray"}));
 }
 
 TEST_F(ConditionAnswerTest, MovementTypeListAndTheWarehouseTransfer) {

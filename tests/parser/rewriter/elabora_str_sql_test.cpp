@@ -20,26 +20,18 @@ constexpr auto& T = RossiTableText;  // ROSSI's condition for a table
 // The wrapped WHERE of the host and the conditions behind it.
 std::string Where(const std::string& host) { return " WHERE (  " + host + " )  AND "; }
 
-TEST(ElaboraStrSQL, WorkedExampleAndTheReport) {
+TEST(ElaboraStrSQL, TheReportNamesEachTableItsAliasSourceAndCondition) {
   ParserSession rossi("ROSSI");
-  std::string statement =
-      "SELECT A.MG36_NUMREG FROM MG36_DOCUMENTI A WHERE A.MG36_DITTA_CG18 = 1 ORDER BY "
-      "A.MG36_NUMREG";
-  EXPECT_EQ(rossi.parser.ElaboraStrSQL(statement),
-            "SELECT A.MG36_NUMREG FROM MG36_DOCUMENTI A  WHERE (  A.MG36_DITTA_CG18 = 1 )  AND  "
-            "NOT EXISTS(SELECT *  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND "
-            "FW31_INDTIPO = 7  AND FW31_FLGABILITATO = 0  AND FW31_DITTARAGG = MG36_INDSTAPER  AND "
-            "FW31_CODTIPO = MG36_CODDOCUM)  ORDER BY A.MG36_NUMREG");
-  // The argument is the working buffer: it ends as the cut head.
-  EXPECT_EQ(statement, "SELECT A.MG36_NUMREG FROM MG36_DOCUMENTI A ");
-  EXPECT_TRUE(rossi.Boxes().empty());
-  // Its report: the first alias qualifies the FROM list, a join keeps its own.
-  std::string buffer =
+  // The first alias qualifies the FROM list, a join keeps its own.
+  const std::string statement =
       "SELECT D.MG36_CODDOCUM, C.CG44_RAGSOC FROM MG36_DOCUMENTI D INNER JOIN CG44_CLIFOR C ON "
       "C.CG44_DITTA_CG18 = D.MG36_DITTA_CG18 WHERE D.MG36_INDSTAPER = 0";
+  std::string buffer = statement;
   rewriter::ScanReport report;
   rossi.parser.ElaboraStrSQLExplained(buffer, report);
   EXPECT_EQ(report.outcome, rewriter::ScanOutcome::kRewritten);
+  // The argument is the working buffer: it ends as the cut head.
+  EXPECT_EQ(buffer + "WHERE D.MG36_INDSTAPER = 0", statement);
   std::string tables;
   for (const auto& t : report.tables) {
     tables += t.prefix + "|" + t.alias + "|" + TableSourceName(t.source) + "|" + t.condition + "\n";

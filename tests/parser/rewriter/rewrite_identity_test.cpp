@@ -1,7 +1,6 @@
-// ElaboraStrSQL for ROSSI on the fuzz corpus, long statements and the benchmark
-// shapes: answer, argument left, statements sent and boxes, digested against the
-// reference. ZARVIK_REWRITE_RECORD=FILE writes every case to FILE: the first
-// difference between the files of two builds is the first case that differs.
+// ElaboraStrSQL for ROSSI on the fuzz corpus, long statements and benchmark shapes: answer,
+// argument left, statements sent and boxes, digested. ZARVIK_REWRITE_RECORD=FILE writes every
+// case to FILE (diff two builds' files to find the first case that differs).
 #include <gtest/gtest.h>
 
 #include <cstdint>
