@@ -69,24 +69,24 @@ TEST(AccountCheck, ShortCutsTheHostsIdAndFailures) {
   EXPECT_EQ(Ask(rossi.parser, 10, "1001", 0), "0 1 1");
   EXPECT_EQ(rossi.Statements(), std::vector<std::string>{"{call SPFW_GetInfoRevokeContoPDC}"});
   EXPECT_FALSE(rossi.parser.Frame().UserResolved());
-  // A missing procedure or parameter is reported and the flags keep their values.
-  ParserSession missing("ROSSI");
-  missing.Run("DELETE FROM ZARVIK_ROUTINES WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
-  EXPECT_EQ(Ask(missing.parser, 10, "1001", 4), "0 4 4");
-  EXPECT_EQ(missing.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
-  // A body that names only :ContoPDC: ADO's error 3265, and no call.
-  ParserSession partly("ROSSI");
-  partly.Run(
-      "UPDATE ZARVIK_ROUTINES SET ROUTINE_BODY = 'SELECT CASE WHEN :ContoPDC = ''1001'' THEN 0 "
-      "ELSE 1 END AS canAbilitato, 1 AS canVisualizza' "
-      "WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'");
-  partly.log->statements.clear();
-  EXPECT_EQ(Ask(partly.parser, 10, "1001", 4), "0 4 4");
-  EXPECT_EQ(partly.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
-  EXPECT_EQ(partly.Boxes().at(0).text.rfind("3265 - Item cannot be found in the collection", 0), 0u)
-      << partly.Boxes().at(0).text;
-  for (const std::string& statement : partly.Statements()) {
-    EXPECT_EQ(statement.find("{call"), std::string::npos) << statement;
+  // A missing procedure, or a body naming only :ContoPDC (ADO's 3265): reported, no call sent,
+  // the flags keep their values.
+  for (const auto& [change, error] : std::vector<std::pair<std::string, std::string>>{
+           {"DELETE FROM ZARVIK_ROUTINES WHERE ROUTINE_NAME = 'SPFW_GetInfoRevokeContoPDC'",
+            "-2147217900 - Could not find stored procedure 'SPFW_GetInfoRevokeContoPDC'"},
+           {"UPDATE ZARVIK_ROUTINES SET ROUTINE_BODY = 'SELECT CASE WHEN :ContoPDC = ''1001'' "
+            "THEN 0 ELSE 1 END AS canAbilitato, 1 AS canVisualizza' WHERE ROUTINE_NAME = "
+            "'SPFW_GetInfoRevokeContoPDC'",
+            "3265 - Item cannot be found in the collection"}}) {
+    ParserSession broken("ROSSI");
+    broken.Run(change);
+    broken.log->statements.clear();
+    const std::string flags = Ask(broken.parser, 10, "1001", 4);
+    ASSERT_EQ(broken.BoxTags(), std::vector<std::string>{"ContoPDCBloccato"});
+    EXPECT_EQ(flags + "|" + broken.Boxes()[0].text.substr(0, error.size()), "0 4 4|" + error);
+    for (const std::string& statement : broken.Statements()) {
+      EXPECT_EQ(statement.find("{call"), std::string::npos) << statement;
+    }
   }
 }
 
