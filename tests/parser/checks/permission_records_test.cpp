@@ -43,7 +43,6 @@ TEST_F(PermissionRecordTest, EachRecordForRossiForAUserWithoutRowsAndForThePrivi
     bool disabled;                      // RevokeDisabilitata is not consulted
     std::vector<std::string> expected;  // in the order of kRecords
   } cases[] = {
-      {"ROSSI", "ROSSI", false, {"TFFT", "FT", "TFTF", "TFFF", "FFFF", "FFFF"}},
       {"ROSSI", "ROSSI", true, {"TFFT", "FT", "TFTF", "TFFF", "FFFF", "FFFF"}},
       {"GIALLI", "GIALLI", false, {"FFFF", "FF", "FTTT", "FTTT", "TTTT", "TTTT"}},
       // The privileged user's document record reports a row, on purpose.

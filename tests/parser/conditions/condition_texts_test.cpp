@@ -90,12 +90,9 @@ const std::vector<ConditionCase>& Cases() {
        "PD0C_CODNODO) "},
       {"CodSimPD90", Compares::kBoth,
        [](P& p, bool a) { return p.SQLConditionCodSimPD90("PD90_SIMULAZIONE", a); }, ""},
-      // Warehouses are quoted, offices not; without AllowNull no IS NULL.
+      // Warehouses are quoted (VERDI's list below), offices not; AllowNull adds IS NULL.
       {"Depositi", Compares::kClifor, [](P& p, bool a) { return p.SQLConditionDepositi("D", a); },
        ""},
-      {"Depositi without null", Compares::kClifor,
-       [](P& p, bool a) { return p.SQLConditionDepositi("D", a, false); },
-       "D NOT IN ('A1' , 'B2' )"},
       {"SediMov", Compares::kClifor,
        [](P& p, bool a) { return p.SQLConditionSediMov("S", a, false); }, "S NOT IN (3 , 12 )"},
       {"StatiArticolo", Compares::kClifor,
