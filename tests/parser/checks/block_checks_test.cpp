@@ -19,7 +19,6 @@ using testing::TF;
 enum class Privileged { kNone, kUser, kClifor };
 
 struct BlockCase {
-  const char* name;
   std::function<bool(CLSFW_PARSER&, const std::string&)> blocked;  // True: blocked
   const char* blocked_code;
   const char* free_code;  // "" when every code answers alike
@@ -51,60 +50,52 @@ S Positive(const S& prefix) { return testing::RossiTableText(prefix).substr(5); 
 
 std::vector<BlockCase> BlockCases(P& rossi) {
   return {
-      {"DittaBloccata", [](P& p, const S& c) { return p.DittaBloccata(c); }, "2", "1",
+      {[](P& p, const S& c) { return p.DittaBloccata(c); }, "2", "1",
        "SELECT COUNT(*) AS FLGRVK FROM VFW05_DITTAESCLUSI  WHERE FW05_DITTA_CG18 = 2 AND "
        "FW05_ID_FW07 = 5 AND FW05_FLGVISIBLE = 0",
        Privileged::kNone},
-      {"CliForBloccato_New", [](P& p, const S& c) { return p.CliForBloccato_New(c, 0); }, "7", "1",
+      {[](P& p, const S& c) { return p.CliForBloccato_New(c, 0); }, "7", "1",
        "SELECT COUNT(*) AS FLGRVK FROM VFW32_LISTACFREVOCATI  WHERE RVKDITTA = 1 AND RVKCLIFOR = "
        "7 AND RVKTIPOCF = 0 AND RVKUTENTE = 5",
        Privileged::kClifor},
-      {"CliForBloccato_New supplier", [](P& p, const S& c) { return p.CliForBloccato_New(c, 1); },
-       "103", "101", "", Privileged::kClifor},
-      // The tail is the document-header condition with its " AND ".
-      {"DocumentoTestataBloccato revoked type",
-       [](P& p, const S& c) { return p.DocumentoTestataBloccato(c); }, "1005", "1008",
+      {[](P& p, const S& c) { return p.CliForBloccato_New(c, 1); }, "103", "101", "",  // suppliers
+       Privileged::kClifor},
+      // 1005 has a revoked type, 1003 a revoked warehouse; the tail is the document-header
+      // condition with its " AND ".
+      {[](P& p, const S& c) { return p.DocumentoTestataBloccato(c); }, "1005", "1008",
        "SELECT COUNT(*) AS FLGRVK FROM DO11_DOCTESTATA  WHERE DO11_DITTA_CG18 = 1 AND "
        "DO11_NUMREG_CO99 = '1005'  " +
            rossi.SQLConditionDO11(true),
        Privileged::kClifor},
-      {"DocumentoTestataBloccato revoked warehouse",
-       [](P& p, const S& c) { return p.DocumentoTestataBloccato(c); }, "1003", "1015", "",
+      {[](P& p, const S& c) { return p.DocumentoTestataBloccato(c); }, "1003", "1015", "",
        Privileged::kClifor},
-      {"ProgettoBloccato", [](P& p, const S& c) { return p.ProgettoBloccato(c); }, "P1", "P3",
+      {[](P& p, const S& c) { return p.ProgettoBloccato(c); }, "P1", "P3",
        "SELECT TOP 1 1 FROM PD68_PROGETTI  WHERE PD68_DITTA_CG18 = 1 AND PD68_CODPROG = 'P1'  "
        "AND " +
            Positive("PD68")},
       // The code is "project/node".
-      {"NodoBloccato", [](P& p, const S& c) { return p.NodoBloccato(c.substr(0, 2), c.substr(3)); },
-       "P3/N2", "P3/N1",
+      {[](P& p, const S& c) { return p.NodoBloccato(c.substr(0, 2), c.substr(3)); }, "P3/N2",
+       "P3/N1",
        "SELECT TOP 1 1 FROM PD0C_NODO  WHERE PD0C_DITTA_CG18 = 1 AND PD0C_CODPROG_PD68 = 'P3'  AND "
        "PD0C_CODNODO = 'N2'  AND " +
            Positive("PD0C")},
-      {"NodoBloccato enabled again",
-       [](P& p, const S& c) { return p.NodoBloccato(c.substr(0, 2), c.substr(3)); }, "P4/N1",
+      {[](P& p, const S& c) { return p.NodoBloccato(c.substr(0, 2), c.substr(3)); }, "P4/N1",
        "P5/N1", ""},
-      {"ModelloBloccoMerceBloccato",
-       [](P& p, const S& c) { return p.ModelloBloccoMerceBloccato(c); }, "BLM2", "BLM1",
+      {[](P& p, const S& c) { return p.ModelloBloccoMerceBloccato(c); }, "BLM2", "BLM1",
        "SELECT TOP 1 1 FROM MG0F_BLMPARAM  WHERE MG0F_DITTA_CG18 = 1 AND MG0F_CODPARAM = 'BLM2'  "
        "AND " +
            Positive("MG0F")},
       // STP02, DS_VENDITE, MATR_ORD are revoked: any code answers alike.
-      {"StampaGestionaleBloccata", [](P& p, const S& c) { return p.StampaGestionaleBloccata(c); },
-       "NOPE", "",
+      {[](P& p, const S& c) { return p.StampaGestionaleBloccata(c); }, "NOPE", "",
        "SELECT FW57_CODICE  FROM FW57_STPLIBERE  WHERE " + testing::RossiTableText("FW57")},
-      {"DSExportDatiGestBloccata", [](P& p, const S& c) { return p.DSExportDatiGestBloccata(c); },
-       "DS_ACQUISTI", "",
+      {[](P& p, const S& c) { return p.DSExportDatiGestBloccata(c); }, "DS_ACQUISTI", "",
        "SELECT FW34_CODICEDS  FROM FW34_VISSOURCE  WHERE " + testing::RossiTableText("FW34")},
-      {"ConfigOfficeBloccata", [](P& p, const S& c) { return p.ConfigOfficeBloccata(c); },
-       "MATR_FATT", "",
+      {[](P& p, const S& c) { return p.ConfigOfficeBloccata(c); }, "MATR_FATT", "",
        "select  FW36_CODICEMATR   from FW36_VISMATRICI  WHERE " + testing::RossiTableText("FW36")},
-      {"StatoRigaOrdineBloccato",
-       [](P& p, const S& c) { return p.StatoRigaOrdineBloccato(std::stoi(c)); }, "3", "2",
+      {[](P& p, const S& c) { return p.StatoRigaOrdineBloccato(std::stoi(c)); }, "3", "2",
        "SELECT FW31_FLGABILITATO FROM VFW31_RVKPARAMETRI  WHERE FW31_INDTIPO = 10  AND "
        "FW31_CODTIPO = '3'  AND FW31_ID_FW07 = 5  AND FW31_FLGABILITATO = 0"},
-      {"CodiceSimulazioneBloccato",
-       [](P& p, const S& c) {
+      {[](P& p, const S& c) {
          S code = c;
          const bool blocked = p.CodiceSimulazioneBloccato(code);
          EXPECT_EQ(code, c);
@@ -114,34 +105,28 @@ std::vector<BlockCase> BlockCases(P& rossi) {
        "SELECT FW31_FLGABILITATO FROM VFW31_RVKPARAMETRI  WHERE FW31_INDTIPO = 15  AND "
        "FW31_CODTIPO = 'SIM3'  AND FW31_DITTARAGG = 1 AND FW31_ID_FW07 = 5  AND "
        "FW31_FLGABILITATO = 0"},
-      {"DepositoBloccato", [](P& p, const S& c) { return p.DepositoBloccato(c); }, "A1", "C3",
+      {[](P& p, const S& c) { return p.DepositoBloccato(c); }, "A1", "C3",
        "SELECT TOP 1 * FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND FW31_INDTIPO = 6  AND "
        "FW31_FLGABILITATO = 0  AND FW31_DITTARAGG = 1 AND FW31_CODTIPO = 'A1'",
        Privileged::kClifor},
-      {"FunzioneApplicativaRevocata",
-       [](P& p, const S& c) { return p.FunzioneApplicativaRevocata(std::stoi(c)); }, "104", "102",
+      {[](P& p, const S& c) { return p.FunzioneApplicativaRevocata(std::stoi(c)); }, "104", "102",
        "SELECT TOP 1 1 FROM FW3G_RVKFUNZIONI  WHERE FW3G_CODICE_FW3F = 104 AND FW3G_ID_FW07 = 5  "
        "AND FW3G_FLGABILITATO = 0"},
-      {"StatoRevisioneDistintaBloccato",
-       [](P& p, const S& c) { return p.StatoRevisioneDistintaBloccato(std::stoi(c)); }, "2", "3",
+      {[](P& p, const S& c) { return p.StatoRevisioneDistintaBloccato(std::stoi(c)); }, "2", "3",
        "SELECT   FW31_FLGABILITATO FROM   VFW31_RVKPARAMETRI WITH (NOLOCK) WHERE   FW31_INDTIPO  "
        "    = 34 AND   FW31_CODTIPO      = '2' AND   FW31_ID_FW07      = 5 AND   "
        "FW31_FLGABILITATO = 0"},
-      {"StatoRevisioneCicloBloccato",
-       [](P& p, const S& c) { return p.StatoRevisioneCicloBloccato(std::stoi(c)); }, "3", "2",
+      {[](P& p, const S& c) { return p.StatoRevisioneCicloBloccato(std::stoi(c)); }, "3", "2",
        "SELECT   FW31_FLGABILITATO FROM   VFW31_RVKPARAMETRI WITH (NOLOCK) WHERE   FW31_INDTIPO  "
        "    = 35 AND   FW31_CODTIPO      = '3' AND   FW31_ID_FW07      = 5 AND   "
        "FW31_FLGABILITATO = 0"},
       // Trailing blanks of the code are cut.
-      {"SceltaDistintaRevisionataDocumentoBloccata",
-       [](P& p, const S& c) { return p.SceltaDistintaRevisionataDocumentoBloccata(c); }, "OCL  ",
+      {[](P& p, const S& c) { return p.SceltaDistintaRevisionataDocumentoBloccata(c); }, "OCL  ",
        "DDT", BillChoice("36", "'OCL'")},
-      {"SceltaDistintaManualeDocumentoBloccata",
-       [](P& p, const S& c) { return p.SceltaDistintaManualeDocumentoBloccata(c); }, "DDT", "OCL",
+      {[](P& p, const S& c) { return p.SceltaDistintaManualeDocumentoBloccata(c); }, "DDT", "OCL",
        BillChoice("37", "'DDT'")},
       // Authorised is the True answer here; the code is the operation.
-      {"AutorizzaAttivitaSuDocumentoProduzione",
-       [](P& p, const S& c) {
+      {[](P& p, const S& c) {
          return !p.AutorizzaAttivitaSuDocumentoProduzione(25, 1, std::stoi(c));
        },
        "1", "2",
@@ -157,7 +142,7 @@ class BlockCheckTest : public ParserTest {};
 TEST_F(BlockCheckTest, EveryCheckAnswersBothWaysSendsItsStatementAndShortCutsForZentAd) {
   AsUser("ROSSI");
   for (const BlockCase& c : BlockCases(parser)) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.blocked_code + (" " + c.statement));
     // RevokeDisabilitata does not switch the checks off.
     for (bool disabled : {false, true}) {
       parser.SetRevokeDisabilitata(disabled);
