@@ -86,6 +86,19 @@ inline std::string Mutate(std::mt19937& rng, std::string s) {
   return s;
 }
 
+// 20,000 random statements (every tenth up to 400 tokens), then 10,000 mutated host statements.
+inline std::vector<std::string> FuzzStatements() {
+  std::vector<std::string> out;
+  std::mt19937 random(1234567);
+  for (int n = 1; n <= 20000; ++n) out.push_back(RandomStatement(random, n % 10 == 0 ? 400 : 40));
+  std::mt19937 mutated(7654321);
+  for (int n = 0; n < 10000; ++n) {
+    const std::string& base = kCorpus[Pick(mutated, 0, kCorpus.size() - 1)];
+    out.push_back(Mutate(mutated, base));
+  }
+  return out;
+}
+
 // Statements beyond 32767 characters, keywords inside and outside 16 bits.
 inline std::vector<std::string> LongStatements() {
   std::vector<std::string> out;

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "../parser_test_support.h"
 #include "parser/rewriter/scan_report.h"
@@ -15,8 +16,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using rewriter::ScanOutcome;
-using testing::kCorpus;
-using testing::Pick;
 
 class RewriteFuzz : public ::testing::Test {
  protected:
@@ -64,20 +63,17 @@ class RewriteFuzz : public ::testing::Test {
   size_t outcomes[5] = {0, 0, 0, 0, 0};
 };
 
-TEST_F(RewriteFuzz, RandomStatements) {
-  std::mt19937 rng(1234567);
-  int runs = 0;
-  Fuzz(20000, [&] { return testing::RandomStatement(rng, ++runs % 10 == 0 ? 400 : 40); });
-  // The generator reaches every way a call can end.
+TEST_F(RewriteFuzz, RandomThenMutatedStatements) {
+  const std::vector<std::string> statements = testing::FuzzStatements();
+  size_t at = 0;
+  Fuzz(20000, [&] { return statements[at++]; });
+  // The random ones reach every way a call can end.
   for (ScanOutcome outcome : {ScanOutcome::kRewritten, ScanOutcome::kParserError,
                               ScanOutcome::kRunTimeError, ScanOutcome::kDerivedTable}) {
     EXPECT_GT(outcomes[static_cast<size_t>(outcome)], 0U);
   }
-}
-
-TEST_F(RewriteFuzz, MutatedHostStatements) {
-  std::mt19937 rng(7654321);
-  Fuzz(10000, [&] { return testing::Mutate(rng, kCorpus[Pick(rng, 0, kCorpus.size() - 1)]); });
+  at = 20000;
+  Fuzz(10000, [&] { return statements[at++]; });
 }
 
 TEST_F(RewriteFuzz, LongStatementsAroundThe16BitLimit) {

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -21,16 +20,7 @@ namespace {
 constexpr uint64_t kReferenceDigest = 0x8efc994969decfe6ULL;
 
 std::vector<std::string> Inputs() {
-  std::vector<std::string> inputs;
-  std::mt19937 random(1234567);
-  for (int n = 1; n <= 20000; ++n) {
-    inputs.push_back(testing::RandomStatement(random, n % 10 == 0 ? 400 : 40));
-  }
-  std::mt19937 mutated(7654321);
-  for (int n = 0; n < 10000; ++n) {
-    const auto& base = testing::kCorpus[testing::Pick(mutated, 0, testing::kCorpus.size() - 1)];
-    inputs.push_back(testing::Mutate(mutated, base));
-  }
+  std::vector<std::string> inputs = testing::FuzzStatements();
   for (const std::string& s : testing::LongStatements()) inputs.push_back(s);
   for (shapes::Shape shape : shapes::kAllShapes) {
     for (size_t size : {240, 2048, 8192, 30720, 40000}) {
