@@ -1,4 +1,3 @@
-// T-SQL to SQLite translation of the texts the component sends.
 #include "db/tsql_dialect.h"
 
 #include <gtest/gtest.h>
@@ -52,10 +51,9 @@ TEST(TranslateTest, ComponentTexts) {
        "strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime')), 1, 10) FROM T"},
       {"SELECT CONVERT(varchar(23), D, 121) FROM T",  // keeps the milliseconds
        "SELECT strftime('%Y-%m-%d %H:%M:%f', D) FROM T"},
-      {"SELECT [a]]] FROM T", "SELECT \"a]\" FROM T"}};
+      {"SELECT [a]]], [1a] FROM T", "SELECT \"a]\", \"1a\" FROM T"}};
   for (const auto& [tsql, sqlite] : cases) EXPECT_EQ(TranslateTsqlToSqlite(tsql), sqlite);
-  // Lists holding a scalar sub-query, literals, SQLite texts, words that only contain a
-  // keyword, GETDATE without parentheses and an unknown CONVERT target pass unchanged.
+  // Sub-query lists, literals, SQLite texts, words holding a keyword, unknown targets: unchanged.
   for (const char* same :
        {"SELECT A FROM T WHERE A IN ((SELECT B FROM U), 3) OR A IN ((1), 2)",
         "SELECT 'TOP 1 ISNULL( WITH (NOLOCK) [x] dbo.y N''z''' FROM T",
