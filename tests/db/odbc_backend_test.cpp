@@ -86,9 +86,7 @@ TEST_F(OdbcBackendTest, ErrorsCarrySqlstateNativeErrorAndText) {
   const std::vector<std::pair<std::string, const char*>> bad_connections = {
       {"Driver=NoSuchDriverZarvik;Database=/tmp/x.db", "[01000] (native 0) "},
       // Mapped to an SQL Server ODBC driver, which this machine lacks.
-      {"Provider=SQLOLEDB;Data Source=server;Initial Catalog=erp", "[01000] (native 0) "},
-      {std::string("Driver=") + kOdbcDriver + ";Database=/nonexistent-zarvik-dir/x.db",
-       "[HY000] (native "}};
+      {"Provider=SQLOLEDB;Data Source=server;Initial Catalog=erp", "[01000] (native 0) "}};
   for (const auto& [connection, prefix] : bad_connections) {
     const std::string e = Failure([&] { OpenBackend(connection, 2); });
     EXPECT_EQ(e.rfind(std::to_string(vberr::kProviderConnectFailed) + " " + prefix, 0), 0u) << e;
