@@ -71,15 +71,5 @@ TEST_F(StatementCacheTest, TheLeastRecentlyUsedGoFirstBeyondTheBound) {
   EXPECT_EQ(cache_->Size(), 0u);  // all three were there to lend
 }
 
-TEST(StatementCacheConnection, AnswersFollowTheSchemaAndItsErrors) {
-  const auto db = OpenConnection(kMemory, "CREATE TABLE T (X); INSERT INTO T VALUES (1)");
-  EXPECT_EQ(db->Execute("SELECT * FROM T")->FieldCount(), 1);
-  db->Execute("DROP TABLE T");
-  EXPECT_EQ(CaughtError([&] { db->Execute("SELECT * FROM T"); }).Description(),
-            "SQLite error 1: no such table: T in statement: SELECT * FROM T");
-  db->Execute("CREATE TABLE T (X, Y)");
-  EXPECT_EQ(db->Execute("SELECT * FROM T")->FieldCount(), 2);
-}
-
 }  // namespace
 }  // namespace zarvik::db
