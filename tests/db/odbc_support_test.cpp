@@ -14,13 +14,9 @@ using D = ParameterDirection;
 TEST(OdbcSupportTest, ColumnAndParameterTypes) {
   // SQL type, driver's type name, BIT is an integer, the kind.
   const std::vector<std::tuple<int, const char*, bool, ColumnKind>> columns = {
-      {SQL_BIGINT, "BIGINT", false, ColumnKind::kInteger},
       {SQL_BIT, "bit", false, ColumnKind::kBoolean},
-      {SQL_BIT, "BIT", true, ColumnKind::kInteger},
       {SQL_NUMERIC, "numeric", false, ColumnKind::kFloat},
-      {SQL_VARCHAR, "numeric(10,2)", true, ColumnKind::kFloat},  // SQLite's declared DECIMAL
       {SQL_VARCHAR, "money", false, ColumnKind::kFloat},
-      {SQL_VARCHAR, "VARCHAR(50)", true, ColumnKind::kText},
       {SQL_WLONGVARCHAR, "ntext", false, ColumnKind::kWideText},
       {SQL_VARBINARY, "varbinary", false, ColumnKind::kBinary},
       {SQL_TYPE_DATE, "date", false, ColumnKind::kDateTime},
@@ -46,7 +42,7 @@ TEST(OdbcSupportTest, ColumnAndParameterTypes) {
   EXPECT_EQ(ParameterName("@GruppoPDC") + ParameterName("GruppoPDC"), "@GruppoPDC@GruppoPDC");
 }
 
-TEST(OdbcSupportTest, CallEscapesNamesAndPatterns) {
+TEST(OdbcSupportTest, CallEscapesNamesPatternsAndDiagnostics) {
   const auto p = [](const char* name, D direction) {
     return ParameterInfo{name, adtype::kInteger, direction, Variant()};
   };
@@ -68,6 +64,11 @@ TEST(OdbcSupportTest, CallEscapesNamesAndPatterns) {
   EXPECT_EQ(EscapeSearchPattern("SPFW_Get%Info", "\\") + " " + EscapeSearchPattern("a\\b", "\\") +
                 " " + EscapeSearchPattern("SPFW_X", ""),
             "SPFW\\_Get\\%Info a\\\\b SPFW_X");
+  EXPECT_EQ(FormatDiagnostics({{"42S02", 208, "Invalid object name 'X'."}, {"42000", 8180, "Y"}},
+                              "unused") +
+                "|" + FormatDiagnostics({}, "ODBC call SQLFetch failed"),
+            "[42S02] (native 208) Invalid object name 'X'.\n[42000] (native 8180) Y|ODBC call "
+            "SQLFetch failed");
 }
 
 TEST(OdbcSupportTest, DateFieldsConvertToOleDates) {
@@ -105,13 +106,6 @@ TEST(OdbcSupportTest, NamedParametersBecomeMarkersOutsideQuotesAndComments) {
     EXPECT_EQ(marked.sql, sql);
     EXPECT_EQ(marked.names, names) << body;
   }
-}
-
-TEST(OdbcSupportTest, Diagnostics) {
-  EXPECT_EQ(FormatDiagnostics({{"42S02", 208, "Invalid object name 'X'."}, {"42000", 8180, "Y"}},
-                              "unused"),
-            "[42S02] (native 208) Invalid object name 'X'.\n[42000] (native 8180) Y");
-  EXPECT_EQ(FormatDiagnostics({}, "ODBC call SQLFetch failed"), "ODBC call SQLFetch failed");
 }
 
 }  // namespace

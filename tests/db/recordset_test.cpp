@@ -1,7 +1,5 @@
 #include "db/recordset.h"
 
-#include <gtest/gtest.h>
-
 #include "db/db_test_support.h"
 
 namespace zarvik::db {
@@ -24,7 +22,7 @@ std::vector<std::string> Names(Recordset& rs) {
   return names;
 }
 
-TEST(RecordsetTest, WalksRowsInOrderAndStopsAtEof) {
+TEST(RecordsetTest, WalksRowsInOrderStopsAtEofAndCloses) {
   Recordset rs(SampleRows(), kUseClient);
   EXPECT_FALSE(rs.BOF());
   EXPECT_EQ(rs.Fields("code").ConcatText() + rs.Fields(1).ToString() + rs.FieldName(1),
@@ -39,11 +37,7 @@ TEST(RecordsetTest, WalksRowsInOrderAndStopsAtEof) {
                             vberr::kAdoNoCurrentRecord}));
   Recordset empty(RowSet{{"A"}, {}}, kUseClient);
   EXPECT_TRUE(empty.EOF() && empty.BOF() && empty.RecordCount() == 0);
-}
-
-TEST(RecordsetTest, EveryMemberOfAClosedRecordsetRaises3704) {
-  Recordset rs(SampleRows(), kUseClient);
-  rs.Close();
+  rs.Close();  // then every member raises 3704
   EXPECT_EQ(rs.State(), 0);
   EXPECT_EQ(ErrorsOf({[&] { rs.EOF(); }, [&] { rs.BOF(); }, [&] { rs.Fields("CODE"); },
                       [&] { rs.MoveNext(); }, [&] { rs.RecordCount(); },
@@ -93,15 +87,15 @@ TEST(RecordsetTest, FilterKeepsMatchingRowsClearsAndRefusesBadCriteria) {
 TEST(RecordsetTest, LateBoundMembers) {
   auto rs = std::make_shared<Recordset>(SampleRows(), kUseClient);
   Object& object = *rs;
-  EXPECT_EQ(object.GetProperty("eof").Type(), VarType::kBoolean);
-  EXPECT_EQ(object.GetProperty("RecordCount").ToLong(), 4);
   std::vector<Variant> by_name{Variant("name")}, by_index{Variant(int32_t{2})}, none;
-  EXPECT_EQ(object.CallMethod("Fields", by_name).ToString() +
+  EXPECT_EQ(object.GetProperty("RecordCount").ConcatText() + " " +
+                object.CallMethod("Fields", by_name).ToString() + " " +
                 object.CallMethod("Fields", by_index).ConcatText(),
-            "alpha10");
+            "4 alpha 10");
   object.PutProperty("Filter", Variant("QTY = 30"));
   object.CallMethod("MoveNext", none);
-  EXPECT_TRUE(object.GetProperty("EOF").ToBool());
+  const Variant eof = object.GetProperty("eof");
+  EXPECT_TRUE(eof.Type() == VarType::kBoolean && eof.ToBool());
   object.CallMethod("Close", none);
   EXPECT_EQ(object.GetProperty("State").ToLong(), 0);
   EXPECT_EQ(

@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include "db/sqlite_statement_cache.h"
@@ -70,16 +69,6 @@ TEST_F(StatementCacheTest, TheLeastRecentlyUsedGoFirstBeyondTheBound) {
   EXPECT_LE(cache_->Bytes(), kBound);
   const auto kept = {Prepare(text(0)), Prepare(text(2)), Prepare(text(3))};
   EXPECT_EQ(cache_->Size(), 0u);  // all three were there to lend
-}
-
-TEST(StatementCacheConnection, AnswersFollowTheSchemaAndItsErrors) {
-  const auto db = OpenConnection(kMemory, "CREATE TABLE T (X); INSERT INTO T VALUES (1)");
-  EXPECT_EQ(db->Execute("SELECT * FROM T")->FieldCount(), 1);
-  db->Execute("DROP TABLE T");
-  EXPECT_EQ(CaughtError([&] { db->Execute("SELECT * FROM T"); }).Description(),
-            "SQLite error 1: no such table: T in statement: SELECT * FROM T");
-  db->Execute("CREATE TABLE T (X, Y)");
-  EXPECT_EQ(db->Execute("SELECT * FROM T")->FieldCount(), 2);
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-// T-SQL to SQLite translation of the texts the component sends.
 #include "db/tsql_dialect.h"
 
 #include <gtest/gtest.h>
@@ -52,10 +51,9 @@ TEST(TranslateTest, ComponentTexts) {
        "strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime')), 1, 10) FROM T"},
       {"SELECT CONVERT(varchar(23), D, 121) FROM T",  // keeps the milliseconds
        "SELECT strftime('%Y-%m-%d %H:%M:%f', D) FROM T"},
-      {"SELECT [a]]] FROM T", "SELECT \"a]\" FROM T"}};
+      {"SELECT [a]]], [1a] FROM T", "SELECT \"a]\", \"1a\" FROM T"}};
   for (const auto& [tsql, sqlite] : cases) EXPECT_EQ(TranslateTsqlToSqlite(tsql), sqlite);
-  // Lists holding a scalar sub-query, literals, SQLite texts, words that only contain a
-  // keyword, GETDATE without parentheses and an unknown CONVERT target pass unchanged.
+  // Sub-query lists, literals, SQLite texts, words holding a keyword, unknown targets: unchanged.
   for (const char* same :
        {"SELECT A FROM T WHERE A IN ((SELECT B FROM U), 3) OR A IN ((1), 2)",
         "SELECT 'TOP 1 ISNULL( WITH (NOLOCK) [x] dbo.y N''z''' FROM T",
@@ -69,15 +67,15 @@ TEST(TranslateTest, ComponentTexts) {
 
 TEST(TranslationCacheTest, KeepsEachTextOnceAndDropsTheLeastRecentlyUsedBeyondItsBytes) {
   // Entries of 172, 180 and 162 bytes (both texts and the bookkeeping).
-  const std::string a = "SELECT TOP 1 A FROM T";
-  const std::string b = "SELECT ISNULL(B, 0) FROM U";
-  const std::string c = "SELECT [C] FROM V";
   TsqlTranslationCache cache(500);
-  std::string answers;  // the second a comes from the cache; b is then the least recently used
-  for (const std::string* text : {&a, &b, &a}) answers += cache.Translate(*text) + "|";
+  std::string answers;  // the second A comes from the cache; B is then the least recently used
+  for (const char* text :
+       {"SELECT TOP 1 A FROM T", "SELECT ISNULL(B, 0) FROM U", "SELECT TOP 1 A FROM T"}) {
+    answers += cache.Translate(text) + "|";
+  }
   EXPECT_EQ(answers, "SELECT A FROM T LIMIT 1|SELECT IFNULL(B, 0) FROM U|SELECT A FROM T LIMIT 1|");
   EXPECT_EQ(cache.bytes(), 352u);
-  EXPECT_EQ(cache.Translate(c), "SELECT \"C\" FROM V");
+  EXPECT_EQ(cache.Translate("SELECT [C] FROM V"), "SELECT \"C\" FROM V");
   EXPECT_EQ(std::to_string(cache.size()) + " " + std::to_string(cache.bytes()), "2 334");
   // A text too large for the bound is translated and not kept.
   EXPECT_EQ(cache.Translate("SELECT '" + std::string(400, 'x') + "'"),

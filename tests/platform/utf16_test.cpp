@@ -1,4 +1,3 @@
-// UTF-8 inside, UTF-16 outside, both directions lossless.
 #include "platform/utf16.h"
 
 #include <gtest/gtest.h>

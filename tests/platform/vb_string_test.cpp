@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <tuple>
 
 #include "platform/platform_test_support.h"
 
@@ -12,17 +13,11 @@ namespace {
 using test::ErrorOf;
 using test::ErrorsOf;
 
-struct InStrCase {
-  int32_t start;
-  std::string text, find;
-  Compare compare;
-  int32_t expected;
-};
-
 TEST(InStrTest, PositionsTable) {
   const Compare kB = Compare::kBinary;
   const Compare kT = Compare::kText;
-  const std::vector<InStrCase> cases = {
+  // start, text, find, compare, answer
+  const std::vector<std::tuple<int32_t, std::string, std::string, Compare, int32_t>> cases = {
       {1, "SELECT a FROM t", "from", kB, 0},
       {1, "select a from t", "FROM", kT, 10},
       {10, "SELECT a FROM t", "FROM", kT, 10},
@@ -40,8 +35,8 @@ TEST(InStrTest, PositionsTable) {
       // A partial match at the first candidate does not hide a later one.
       {1, "AaAaB", "aab", kT, 3},
       {1, "xFROMFROM", "from", kT, 2}};
-  for (const InStrCase& c : cases) {
-    EXPECT_EQ(InStr(c.start, c.text, c.find, c.compare), c.expected) << c.start << " " << c.text;
+  for (const auto& [start, text, find, compare, answer] : cases) {
+    EXPECT_EQ(InStr(start, text, find, compare), answer) << start << " " << text;
   }
   EXPECT_EQ(ErrorsOf({[] { InStr(0, "abc", "a"); }, [] { InStr(-1, "abc", "a"); },
                       [] { InStr(0, "abc", "", Compare::kText); },
