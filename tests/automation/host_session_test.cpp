@@ -162,10 +162,7 @@ TEST_F(HostSessionTest, NewThenPutAndGetConvertToTheDeclaredTypes) {
     Json put, got;
   } fields[] = {
       {"RevokeDisabilitata", 0, false},
-      {"CodiceUtenteCLIFOR", 12, "12"},
-      {"DittaCorrente", "0001", "0001"},
       {"IdAgente", nullptr, nullptr},
-      {"FlgGrpRevoke", 1, 1},
   };
   for (const auto& f : fields) {
     EXPECT_EQ(Put(filter, f.name, f.put), Json::parse(R"({"ok":true,"boxes":[],"sql":[]})"));
