@@ -118,9 +118,7 @@ TEST(HostBinding, UnbindingKeepsWhatTheBindingFilled) {
   frame.ctx.CodiceUtente = "BIANCHI";
   frame.SetActiveInterface(nullptr);
   EXPECT_EQ(frame.ActiveInterface(), nullptr);
-  EXPECT_EQ(frame.ctx.CodiceUtente, "BIANCHI");
-  EXPECT_EQ(frame.UserId(), 5);
-  EXPECT_EQ(frame.ctx.ConnectionADO, parts.connection);
+  EXPECT_EQ(Bound(frame, parts), "Long 2 5 BIANCHI VEN taken");
 }
 
 }  // namespace
