@@ -95,7 +95,6 @@ class RvkUsersOnDemo {
     return Rows("SELECT FW07_FLGREVOKE FROM FW07_APPUSER WHERE FW07_ID = " +
                 std::to_string(user_id));
   }
-  std::string LogRows() { return Rows("SELECT COUNT(*) FROM FW33_RVKUSER"); }
   // RISULTATO of each of today's log rows of a user, in time order.
   std::string OutcomesToday(int32_t user_id) {
     return Rows(
@@ -115,7 +114,7 @@ const char kLookupBruno[] =
     "SELECT FW07_ID, FW07_FLGREVOKE FROM FW07_APPUSER  WHERE FW07_USERNAME = 'lbruno' AND "
     "FW07_FLGATTIVO = 1";
 
-TEST(LoginRvk, TextsOfALockingAttemptAndOfTheCountAfterAReEnabling) {
+TEST(LoginRvk, TextsOfALockingAttempt) {
   RvkUsersOnDemo t(1);
   EXPECT_EQ(t.Login("lbruno", 1, "PC-BRUNO").sent,
             (Strings{
@@ -131,15 +130,6 @@ TEST(LoginRvk, TextsOfALockingAttemptAndOfTheCountAfterAReEnabling) {
                 "UPDATE FW07_APPUSER SET FW07_FLGREVOKE = 1 WHERE FW07_ID = 10  AND "
                 "FW07_FLGATTIVO = 1",
             }));
-  // Re-enabled at 09:01:30; the count now runs from that moment.
-  t.Run("UPDATE FW07_APPUSER SET FW07_FLGREVOKE = 0 WHERE FW07_ID = 10");
-  t.ReEnable(uid::kBruno, {9, 1, 30});
-  t.rvk.SetMaxNumTry(5);
-  t.At({9, 2});
-  EXPECT_EQ(t.Login("lbruno", 1).Count(),
-            "SELECT COUNT(FW33_ID_FW07) AS NUMPROVE FROM FW33_RVKUSER  WHERE FW33_ID_FW07 = 10  "
-            "AND FW33_DATAORA > convert(datetime, '2024-03-05 09:01:30', 120) AND FW33_AZIONE = "
-            "0 AND FW33_RISULTATO = 1");
 }
 
 TEST(LoginRvk, NothingIsWrittenForAnUnknownLoginOutcome3OrAnIdAbove32767) {
@@ -151,11 +141,9 @@ TEST(LoginRvk, NothingIsWrittenForAnUnknownLoginOutcome3OrAnIdAbove32767) {
     const LoginResult gallo = t.Login("cgallo", 3);
     ASSERT_EQ(gallo.risultato * 10 + gallo.status, 20 + RevokeVantor);
     EXPECT_EQ(gallo.sent.size(), 2u);
-    const std::string rows = t.LogRows();
     const LoginResult r = t.Login(login, 1);
     EXPECT_EQ(r.risultato * 10 + r.status, 10 + NoRevoke) << login.value_or("<omitted>");
-    EXPECT_EQ(r.sent.size(), 1u);  // the lookup only
-    EXPECT_EQ(t.LogRows(), rows);
+    EXPECT_EQ(r.sent.size(), 1u);  // the lookup only: nothing written, nothing counted
   }
   // Outcome 3 (not logged): the lookup only, even with MaxNumTry 0.
   RvkUsersOnDemo fresh;
@@ -247,13 +235,15 @@ TEST(LoginRvk, OnlyFailuresAfterTheLatestReEnablingOfTheDayCount) {
   t.Login("lbianchi", 1);
   t.ReEnable(uid::kBianchi, {23, 0, 0, 4});
   t.ReEnable(uid::kBianchi, {8, 0});
-  t.ReEnable(uid::kBianchi, {10, 0});
+  t.ReEnable(uid::kBianchi, {10, 0, 30});
   const EnumRevokeStatus expected[] = {NoRevoke, NoRevoke, RevokeVantor};
   for (int i = 0; i < 3; ++i) {
     t.At({10, 5 + i});
     const LoginResult r = t.Login("lbianchi", 1);
-    EXPECT_NE(r.Count().find("FW33_DATAORA > convert(datetime, '2024-03-05 10:00:00', 120)"),
-              std::string::npos);
+    EXPECT_EQ(r.Count(),
+              "SELECT COUNT(FW33_ID_FW07) AS NUMPROVE FROM FW33_RVKUSER  WHERE FW33_ID_FW07 = 6  "
+              "AND FW33_DATAORA > convert(datetime, '2024-03-05 10:00:30', 120) AND FW33_AZIONE = "
+              "0 AND FW33_RISULTATO = 1");
     EXPECT_EQ(r.status, expected[i]) << i;
   }
 }
@@ -378,7 +368,6 @@ TEST(FormatSqlValue, ValuesThatAreNotEmpty) {
       {Variant("1.234,5"), 2, ""},
       {Variant::Date(45356), 2, ""},
       {Variant::Date(45356), 1, "45356"},
-      {object, 2, ""},
       // Dates: the day as eight digits.
       {Variant::Date(OleDateFromYmd(2024, 12, 31) + 23.0 / 24 + 59.0 / 1440), 3, "'20241231'"},
       {Variant::Date(0), 3, "'18991230'"},
