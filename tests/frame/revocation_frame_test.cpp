@@ -148,8 +148,7 @@ TEST(Guard, StepsInOrder) {
     EXPECT_EQ(f.log->statements.size(), neutral ? 0u : 1u);
     // The agent is normalised only once the guard got past the connection.
     EXPECT_EQ(f.frame.ctx.IdAgente.IsNull(), neutral);
-    EXPECT_TRUE(f.rec.sink->messages.empty());
-    EXPECT_FALSE(f.frame.ConnectionOwned());
+    EXPECT_TRUE(f.rec.sink->messages.empty() && !f.frame.ConnectionOwned());
     EXPECT_EQ(f.frame.ctx.ConnectionADO == nullptr, connection == kNone);
     EXPECT_EQ(f.connection->State(), connection == kClosed ? db::kStateClosed : db::kStateOpen);
   }

@@ -172,10 +172,7 @@ TEST(LoginRvk, ANameThatWouldEndTheLiteralIsNeverSentAndTheWinUserIsEscaped) {
             Strings{"SELECT FW07_ID, FW07_FLGREVOKE FROM FW07_APPUSER  WHERE FW07_USERNAME = "
                     "'x; DELETE FROM FW07_APPUSER --' AND FW07_FLGATTIVO = 1"});
   const std::string win_user = "PC'; DELETE FROM FW07_APPUSER; --";
-  EXPECT_NE(t.Login("lbruno", 0, win_user)
-                .One(" INSERT INTO FW33_RVKUSER ")
-                .find(",'PC''; DELETE FROM FW07_APPUSER; --', [dbo].[KVL_GETDATE]()) "),
-            std::string::npos);
+  t.Login("lbruno", 0, win_user);  // stored as it stands, nothing deleted
   EXPECT_EQ(t.Rows("SELECT FW33_WINUSER FROM FW33_RVKUSER WHERE rowid = (SELECT MAX(rowid) FROM "
                    "FW33_RVKUSER)"),
             win_user);
@@ -310,8 +307,7 @@ TEST(RvkUsersConnection, OpensItsOwnClosesItAndLeavesTheHostsOpen) {
   EXPECT_EQ(Login(*rvk, "cgallo"), 2);
   EXPECT_EQ(log->statements.size(), 2u);  // lookup and insert, on the new connection
   const auto own = rvk->ConnectionADO();
-  ASSERT_NE(own, nullptr);
-  EXPECT_TRUE(rvk->ConnectionOwned());
+  ASSERT_TRUE(own && rvk->ConnectionOwned());
   Login(*rvk, "cgallo");  // the next login reuses it
   EXPECT_EQ(rvk->ConnectionADO(), own);
   rvk->TerminateConnection();
@@ -320,8 +316,7 @@ TEST(RvkUsersConnection, OpensItsOwnClosesItAndLeavesTheHostsOpen) {
   // A login after that opens a new one, which destruction closes.
   Login(*rvk, "cgallo");
   const auto second = rvk->ConnectionADO();
-  ASSERT_NE(second, nullptr);
-  EXPECT_NE(second, own);
+  ASSERT_TRUE(second && second != own);
   rvk.reset();
   EXPECT_EQ(second->State(), db::kStateClosed);
   // An own connection closed elsewhere is released quietly.
