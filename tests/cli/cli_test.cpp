@@ -116,20 +116,14 @@ TEST(DemoCommand, TheWholeTourInOneHundredColumnsWithoutTrailingBlanks) {
   EXPECT_EQ(missing.err.rfind("zarvik demo: ", 0), 0U) << missing.err;
 }
 
-TEST(TextLayout, TablesAndWrappedLabelledText) {
-  TextTable table({"ID", "CODE", "NOTE"});
-  table.AlignRight(0);
-  table.AddRow({"5", "ROSSI", "many"});
-  table.AddRow({"40000", "Z", ""});
+// What the demo tour does not show: short rows, labels wider than their column, odd words.
+TEST(TextLayout, ShortRowsWideLabelsAndWrapping) {
+  TextTable table({"ID", "CODE"});
   table.AddRow({"7"});  // missing cells are blank
   std::ostringstream out;
-  table.Print(out, "  ");
-  PrintLabelled(out, "  ", "label", 8, "alpha beta gamma delta epsilon zeta eta theta", 34);
+  table.Print(out, "");
   PrintLabelled(out, "", "a long label", 4, "x", 80);
-  EXPECT_EQ(out.str(),
-            "     ID  CODE   NOTE\n  -----  -----  ----\n      5  ROSSI  many\n  40000  Z\n"
-            "      7\n  label     alpha beta gamma delta\n            epsilon zeta eta theta\n"
-            "a long label  x\n");
+  EXPECT_EQ(out.str(), "ID  CODE\n--  ----\n7\na long label  x\n");
   EXPECT_EQ(WrapText("a verylongwordhere b", 5),
             (std::vector<std::string>{"a", "verylongwordhere", "b"}));
   EXPECT_EQ(WrapText("  extra   blanks  ", 20), std::vector<std::string>{"extra blanks"});
