@@ -56,7 +56,7 @@ class RvkUsersOnDemo {
   explicit RvkUsersOnDemo(int16_t max_num_try = 0) {
     connection->SetStatementLog(log);
     rvk.SetConnectionADO(connection);
-    rvk.SetMaxNumTry(max_num_try);
+    if (max_num_try != 0) rvk.SetMaxNumTry(max_num_try);  // 0: the class's own default
     At({9, 0});
   }
   void At(const Moment& m) {
@@ -220,9 +220,7 @@ TEST(LoginRvk, FailuresOfTheDayLockAtMaxNumTryAndOnlyOutcome1IsCounted) {
   }
   EXPECT_EQ(t.OutcomesToday(uid::kBruno), "1 0 5 1 -1 1 2");
   // MaxNumTry starts at 0: even an outcome that is not a failure locks.
-  RvkUsersOnDemo fresh;
-  EXPECT_EQ(fresh.rvk.MaxNumTry(), 0);
-  EXPECT_EQ(fresh.Login("lbianchi", 4).status, RevokeVantor);
+  EXPECT_EQ(RvkUsersOnDemo().Login("lbianchi", 4).status, RevokeVantor);
 }
 
 TEST(LoginRvk, OnlyFailuresAfterTheLatestReEnablingOfTheDayCount) {
