@@ -101,9 +101,8 @@ class ParserDispatch : public ::testing::Test, public zarvik::testing::ParserSes
     object = Make("CLSFW_PARSER", Env{sink, std::make_shared<SystemClock>()});
     object->PutProperty("ConnectionADO", Variant(ObjectRef(db)));
     object->PutProperty("DittaCorrente", Variant(int32_t{1}));
-    for (const char* name : {"CodiceUtente", "CodiceUtenteCLIFOR"}) {
-      object->PutProperty(name, Variant("ROSSI"));
-    }
+    object->PutProperty("CodiceUtente", Variant("ROSSI"));
+    object->PutProperty("CodiceUtenteCLIFOR", Variant("ROSSI"));
     object->PutProperty("CodiceGruppo", Variant("VEN"));
   }
   std::shared_ptr<AutomationObject> object;
