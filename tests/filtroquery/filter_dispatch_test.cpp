@@ -75,11 +75,6 @@ TEST(FiltroCondizione, EachCallDescribesOnlyItsOwnField) {
   ASSERT_NE(f.Report(), "");
   f.Filter("DO11_NUMDOC", Variant("R"));
   EXPECT_EQ(f.Sql() + f.Report(), "");
-  // A customer field without a kind after a field that had a condition.
-  f.Filter("MG09_ZONA", Variant("R"));
-  ASSERT_NE(f.Sql(), "");
-  f.Filter("CG44_CLIFOR", Variant("R"));
-  EXPECT_EQ(f.Sql() + f.Report(), "");
 }
 
 TEST(FiltroCondizione, NoConnectionAClosedOneAndUnusableFields) {
