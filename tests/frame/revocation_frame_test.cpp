@@ -154,29 +154,6 @@ TEST(Guard, StepsInOrder) {
   }
 }
 
-// Nz and IsBlank; the guard makes a blank agent an Integer 0.
-TEST(Blanks, NzIsBlankAndTheAgent) {
-  const Variant def("dflt");
-  const std::vector<std::pair<Variant, bool>> cases = {
-      // the value, kept by Nz
-      {Variant(), false},          {Variant::Null(), false},
-      {Variant("    "), false},    {Variant(" x "), true},
-      {Variant(int32_t{0}), true}, {Variant("12"), true},
-      {Variant::Nothing(), false}, {Variant(ObjectRef(std::make_shared<HostObject>())), false}};
-  const auto same = [](const Variant& a, const Variant& b) {
-    return a.Type() == b.Type() && VbEquals(a, b);
-  };
-  for (size_t i = 0; i < cases.size(); ++i) {
-    const auto& [value, kept] = cases[i];
-    EXPECT_TRUE(same(RevocationFrame::Nz(value, def), kept ? value : def)) << i;
-    EXPECT_EQ(RevocationFrame::IsBlank(value), !kept) << i;
-    RevocationFrame frame(ParserFrameSettings(), RecordingEnv().env);
-    frame.ctx.IdAgente = value;
-    frame.NormaliseAgent();
-    EXPECT_TRUE(same(frame.ctx.IdAgente, kept ? value : Variant(int16_t{0}))) << i;
-  }
-}
-
 TEST(Reporter, TrapReportsTheExactTextAndKeepsThePartialResult) {
   RecordingEnv rec;
   RevocationFrame frame(ParserFrameSettings(), rec.env);
