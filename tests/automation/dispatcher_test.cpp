@@ -46,13 +46,10 @@ TEST(Dispatch, PropertiesArriveInTheDeclaredTypeAndNamesIgnoreCase) {
   const std::tuple<AutomationObject*, const char*, Variant, VarType, Variant> cases[] = {
       {rvk.get(), "MaxNumTry", Variant(int32_t{1}), VarType::kInteger, Variant(int16_t{1})},
       {rvk.get(), "maxnumtry", Variant("12"), VarType::kInteger, Variant(int16_t{12})},
-      {rvk.get(), "MaxNumTry", Variant(2.5), VarType::kInteger, Variant(int16_t{2})},  // banker's
-      {rvk.get(), "MaxNumTry", Variant::Boolean(true), VarType::kInteger, Variant(int16_t{-1})},
       {rvk.get(), "MaxNumTry", Variant(), VarType::kInteger, Variant(int16_t{0})},
       {filter.get(), "RevokeDisabilitata", Variant(int32_t{5}), VarType::kBoolean,
        Variant::Boolean(true)},
       {filter.get(), "CodiceUtente", Variant(int32_t{5}), VarType::kString, Variant("5")},
-      {filter.get(), "CodiceUtente", Variant::Boolean(true), VarType::kString, Variant("True")},
       {filter.get(), "DittaCorrente", Variant::Null(), VarType::kNull, Variant::Null()},
   };
   for (const auto& [object, name, in, type, out] : cases) {
