@@ -44,18 +44,12 @@ TEST(RewriteCommand, RewritesForTheUserOfTheGivenDatabase) {
       // The group defaults to the user's own; in another one ROSSI is nobody (id 0).
       {{"--user", "ROSSI", kStatement}, "VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5 ", ""},
       {{"--user", "ROSSI", "--group", "AMM", kStatement}, "FW31_ID_FW07 = 0 ", ""},
-      {{"--user", "ZentAd", kStatement}, std::string(kStatement) + "\n", ""},
-      {{"--user", "GIALLI", "--agent", "12", "--company", "1", "SELECT * FROM MG17_AGENTI"},
-       " MG17_IDAGENTE = '12' ",
-       ""},
+      {{"--user", "ZentAd", "--company", "1", kStatement}, std::string(kStatement) + "\n", ""},
+      {{"--user", "GIALLI", "--agent", "12", "SELECT * FROM MG17_AGENTI"}, "'12'", ""},
       // The parser's box goes to stderr, the empty answer to stdout.
-      {{"--user", "ROSSI", "SELECT A FROM MG36_DOCUMENTI WHERE B IN (SELECT 1)"},
-       "\n",
-       "[Parser Error] Caso non contemplato dal Parser"},
+      {{"--user", "ROSSI", "SELECT A FROM MG36_DOCUMENTI WHERE B IN (SELECT 1)"}, "\n", "[Parser"},
       {{"--user", "ROSSI", "--explain", "FROM ABCD JOIN X ON 1 = 1"},
-       "\n\nScanner: run-time error: scan ended silently (5 - Invalid procedure call or "
-       "argument)\nRecognised tables:\n  1. ABCD  FROM list  segment 1  alias \"X.\"\n"
-       "     condition: \"\"\n",
+       "Recognised tables:\n  1. ABCD  FROM list  segment 1  alias \"X.\"",
        ""},
   };
   for (auto [args, out, err] : cases) {
@@ -122,20 +116,14 @@ TEST(DemoCommand, TheWholeTourInOneHundredColumnsWithoutTrailingBlanks) {
   EXPECT_EQ(missing.err.rfind("zarvik demo: ", 0), 0U) << missing.err;
 }
 
-TEST(TextLayout, TablesAndWrappedLabelledText) {
-  TextTable table({"ID", "CODE", "NOTE"});
-  table.AlignRight(0);
-  table.AddRow({"5", "ROSSI", "many"});
-  table.AddRow({"40000", "Z", ""});
+// What the demo tour does not show: short rows, labels wider than their column, odd words.
+TEST(TextLayout, ShortRowsWideLabelsAndWrapping) {
+  TextTable table({"ID", "CODE"});
   table.AddRow({"7"});  // missing cells are blank
   std::ostringstream out;
-  table.Print(out, "  ");
-  PrintLabelled(out, "  ", "label", 8, "alpha beta gamma delta epsilon zeta eta theta", 34);
+  table.Print(out, "");
   PrintLabelled(out, "", "a long label", 4, "x", 80);
-  EXPECT_EQ(out.str(),
-            "     ID  CODE   NOTE\n  -----  -----  ----\n      5  ROSSI  many\n  40000  Z\n"
-            "      7\n  label     alpha beta gamma delta\n            epsilon zeta eta theta\n"
-            "a long label  x\n");
+  EXPECT_EQ(out.str(), "ID  CODE\n--  ----\n7\na long label  x\n");
   EXPECT_EQ(WrapText("a verylongwordhere b", 5),
             (std::vector<std::string>{"a", "verylongwordhere", "b"}));
   EXPECT_EQ(WrapText("  extra   blanks  ", 20), std::vector<std::string>{"extra blanks"});

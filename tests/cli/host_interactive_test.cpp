@@ -47,13 +47,13 @@ TEST(HostBinary, AnswersEachLineInTurnAndSurvivesBadLines) {
 
   send("{\"op\":\"new\",\"class\":\"CLSFW_PARSER\"}\r\n");  // answered before the next is sent
   EXPECT_EQ(ReadLine(from_host[0]), R"({"ok":true,"id":1,"boxes":[],"sql":[]})");
-  send("this is not json\n" + std::string(100000, '[') + "\n" +
-       R"({"op":"put","id":1,"name":"CodiceUtente","value":"GIALLI"})"
-       "\n" +
-       R"({"op":"get","id":1,"name":"CodiceUtente"})"
-       "\n");
+  send(
+      "this is not json\n"
+      R"({"op":"put","id":1,"name":"CodiceUtente","value":"GIALLI"})"
+      "\n"
+      R"({"op":"get","id":1,"name":"CodiceUtente"})"
+      "\n");
   EXPECT_EQ(ReadLine(from_host[0]).rfind(R"({"ok":false,"error":)", 0), 0u);
-  EXPECT_NE(ReadLine(from_host[0]).find("nested deeper than 64"), std::string::npos);
   EXPECT_EQ(ReadLine(from_host[0]), R"({"ok":true,"boxes":[],"sql":[]})");
   EXPECT_EQ(ReadLine(from_host[0]), R"({"ok":true,"value":"GIALLI","boxes":[],"sql":[]})");
   ::close(to_host[1]);

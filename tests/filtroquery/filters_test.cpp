@@ -271,30 +271,30 @@ void AddProjects(FilterOnDemo& f, int first, int last) {
 
 TEST(ProjectStatements, TextsForOneUser) {
   const Variant one(int32_t{1});
-  EXPECT_EQ(ProjectProbeStatement(5, one),
-            " SELECT TOP 1 1  FROM VFW31_RVKPARAMETRI   WHERE FW31_ID_FW07 = 5      AND "
-            "FW31_INDTIPO = 8       AND FW31_FLGABILITATO = 0       AND FW31_DITTARAGG = 1");
-  EXPECT_EQ(ProjectCountStatement(5, one),
-            " SELECT COUNT(*) AS NUMPROG, (SELECT COUNT(FW31_CODTIPO)   FROM VFW31_RVKPARAMETRI   "
-            "WHERE FW31_ID_FW07 = 5      AND FW31_INDTIPO = 8       AND FW31_FLGABILITATO = 0     "
-            "  AND FW31_DITTARAGG = 1) AS NUMREVOKE  FROM PD68_PROGETTI ");
-  EXPECT_EQ(RevokedProjectsStatement(5, one),
-            " SELECT FW31_CODTIPO  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND "
-            "FW31_INDTIPO = 8  AND FW31_FLGABILITATO = 0  AND FW31_DITTARAGG = 1");
-  EXPECT_EQ(AllowedProjectsStatement(5, one),
-            " SELECT PD68_CODPROG as FW31_CODTIPO  FROM PD68_PROGETTI  WHERE PD68_DITTA_CG18 = 1"
-            "     AND NOT EXISTS (SELECT TOP 1 1                         FROM VFW31_RVKPARAMETRI "
-            "                        WHERE FW31_ID_FW07 = 5                          AND "
-            "FW31_INDTIPO = 8                           AND FW31_FLGABILITATO = 0              "
-            "             AND FW31_DITTARAGG = 1                         AND PD68_CODPROG = "
-            "FW31_CODTIPO)");
   EXPECT_EQ(
-      NodeProbeStatement(5, one),
-      " SELECT TOP 1 1  FROM VFW3N_RVKNODI   WHERE FW3N_ID_FW07 = 5  AND FW3N_DITTA_CG18 = 1");
-  EXPECT_EQ(NodeCondition(5, one, "PD0C_CODNODO", "PD0C_CODPROG_PD68"),
-            " NOT EXISTS (SELECT TOP 1 1  FROM VFW3N_RVKNODI  WHERE FW3N_ID_FW07 = 5  AND "
-            "FW3N_DITTA_CG18 = 1 AND FW3N_CODPROG_PD68 = PD0C_CODPROG_PD68 AND FW3N_CODNODO = "
-            "PD0C_CODNODO) ");
+      (Strings{ProjectProbeStatement(5, one), ProjectCountStatement(5, one),
+               RevokedProjectsStatement(5, one), AllowedProjectsStatement(5, one),
+               NodeProbeStatement(5, one),
+               NodeCondition(5, one, "PD0C_CODNODO", "PD0C_CODPROG_PD68")}),
+      (Strings{
+          " SELECT TOP 1 1  FROM VFW31_RVKPARAMETRI   WHERE FW31_ID_FW07 = 5      AND "
+          "FW31_INDTIPO = 8       AND FW31_FLGABILITATO = 0       AND FW31_DITTARAGG = 1",
+          " SELECT COUNT(*) AS NUMPROG, (SELECT COUNT(FW31_CODTIPO)   FROM VFW31_RVKPARAMETRI   "
+          "WHERE FW31_ID_FW07 = 5      AND FW31_INDTIPO = 8       AND FW31_FLGABILITATO = 0     "
+          "  AND FW31_DITTARAGG = 1) AS NUMREVOKE  FROM PD68_PROGETTI ",
+          " SELECT FW31_CODTIPO  FROM VFW31_RVKPARAMETRI  WHERE FW31_ID_FW07 = 5  AND "
+          "FW31_INDTIPO = 8  AND FW31_FLGABILITATO = 0  AND FW31_DITTARAGG = 1",
+          " SELECT PD68_CODPROG as FW31_CODTIPO  FROM PD68_PROGETTI  WHERE PD68_DITTA_CG18 = 1"
+          "     AND NOT EXISTS (SELECT TOP 1 1                         FROM VFW31_RVKPARAMETRI "
+          "                        WHERE FW31_ID_FW07 = 5                          AND "
+          "FW31_INDTIPO = 8                           AND FW31_FLGABILITATO = 0              "
+          "             AND FW31_DITTARAGG = 1                         AND PD68_CODPROG = "
+          "FW31_CODTIPO)",
+          " SELECT TOP 1 1  FROM VFW3N_RVKNODI   WHERE FW3N_ID_FW07 = 5  AND FW3N_DITTA_CG18 = 1",
+          " NOT EXISTS (SELECT TOP 1 1  FROM VFW3N_RVKNODI  WHERE FW3N_ID_FW07 = 5  AND "
+          "FW3N_DITTA_CG18 = 1 AND FW3N_CODPROG_PD68 = PD0C_CODPROG_PD68 AND FW3N_CODNODO = "
+          "PD0C_CODNODO) ",
+      }));
 }
 
 TEST(Progetti, TheShorterOfTheRevokedAndTheAllowedListsInTheReportForm) {
