@@ -15,8 +15,6 @@ std::string ParameterKey(const std::string& name) {
   return vb::UCase(!name.empty() && name[0] == '@' ? name.substr(1) : name);
 }
 
-bool IsStoredProc(long type) { return type != kCmdUnspecified && (type & 0x7) == kCmdStoredProc; }
-
 }  // namespace
 
 Parameter::Parameter(std::string name, ObjectRef peer) : peer_(std::move(peer)) {
@@ -114,10 +112,7 @@ void Command::AppendParameter(ParameterInfo info) {
 
 std::shared_ptr<Recordset> Command::Execute(long /*options*/) {
   if (peer_) {
-    if (connection_) {
-      connection_->LogPeerStatement(IsStoredProc(command_type_) ? "{call " + command_text_ + "}"
-                                                                : command_text_);
-    }
+    if (connection_) connection_->LogPeerStatement(command_text_, command_type_);
     std::vector<Variant> none;
     return std::make_shared<Recordset>(peer_->CallMethod("Execute", none).ToObject());
   }

@@ -10,14 +10,7 @@
 namespace zarvik::db {
 namespace {
 
-// Command type bits of Execute's options (adCmdText, adCmdTable,
-// adCmdStoredProc); option flags such as adExecuteNoRecords are ignored.
-constexpr long kCmdTypeMask = 0x7;
 constexpr long kCmdTable = 2;
-
-bool IsStoredProc(long options) {
-  return options != kCmdUnspecified && (options & kCmdTypeMask) == kCmdStoredProc;
-}
 
 long OptionsArgument(const Variant& value) {
   return value.IsEmpty() ? kCmdUnspecified : static_cast<long>(value.ToLong());
@@ -163,7 +156,7 @@ std::shared_ptr<Recordset> Connection::Run(F&& run) {
 std::shared_ptr<Recordset> Connection::Execute(const std::string& text, long options) {
   if (peer_) {
     // Execute(CommandText, RecordsAffected, Options).
-    LogPeerStatement(IsStoredProc(options) ? "{call " + text + "}" : text);
+    LogPeerStatement(text, options);
     std::vector<Variant> args{Variant(text), Variant(), Variant(static_cast<int32_t>(options))};
     return std::make_shared<Recordset>(peer_->CallMethod("Execute", args).ToObject());
   }
@@ -183,6 +176,10 @@ std::shared_ptr<Recordset> Connection::ExecuteScript(const std::string& script) 
   // A foreign provider takes a script as one batch.
   if (peer_) return Execute(script, kCmdText);
   return Run([&](Backend& backend) { return backend.ExecuteScript(script); });
+}
+
+void Connection::LogPeerStatement(const std::string& text, long options) {
+  if (log_) log_->statements.push_back(IsStoredProc(options) ? ProcedureCallText(text) : text);
 }
 
 void Connection::SetStatementLog(std::shared_ptr<StatementLog> log) {

@@ -22,6 +22,15 @@ constexpr long kCmdUnspecified = -1;
 constexpr long kCmdText = 1;
 constexpr long kCmdStoredProc = 4;
 
+// The command type bits of Execute's options (adCmdText, adCmdTable,
+// adCmdStoredProc); option flags such as adExecuteNoRecords lie above them.
+constexpr long kCmdTypeMask = 0x7;
+
+// Whether Execute's options or a command's type name a stored procedure.
+constexpr bool IsStoredProc(long options) {
+  return options != kCmdUnspecified && (options & kCmdTypeMask) == kCmdStoredProc;
+}
+
 // Isolation level adXactReadCommitted.
 constexpr long kXactReadCommitted = 4096;
 
@@ -72,11 +81,9 @@ class Connection : public Object {
   // May be called before or after Open.
   void SetStatementLog(std::shared_ptr<StatementLog> log);
 
-  // Records a statement sent past the backend (to the host's ADO), as the
-  // tracing backend records the ones it runs.
-  void LogPeerStatement(const std::string& text) {
-    if (log_) log_->statements.push_back(text);
-  }
+  // Records a statement sent past the backend (to the host's ADO) with the
+  // command type of `options`, as the tracing backend records the ones it runs.
+  void LogPeerStatement(const std::string& text, long options);
 
   // The backend of an open connection, for Command (closed: 3709).
   Backend& OpenBackendOrThrow();

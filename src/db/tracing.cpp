@@ -26,7 +26,7 @@ std::vector<ParameterInfo> TracingBackend::DescribeProcedure(const std::string& 
 }
 
 RowSet TracingBackend::CallProcedure(const std::string& name, std::vector<ParameterInfo>& params) {
-  if (log_) log_->statements.push_back("{call " + name + "}");
+  if (log_) log_->statements.push_back(ProcedureCallText(name));
   return inner_->CallProcedure(name, params);
 }
 

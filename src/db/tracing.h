@@ -17,6 +17,9 @@ struct StatementLog {
   std::vector<std::string> statements;
 };
 
+// How the log shows a call of the stored procedure `name`.
+inline std::string ProcedureCallText(const std::string& name) { return "{call " + name + "}"; }
+
 class TracingBackend : public Backend {
  public:
   TracingBackend(std::unique_ptr<Backend> inner, std::shared_ptr<StatementLog> log);

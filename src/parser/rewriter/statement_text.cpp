@@ -1,6 +1,5 @@
 #include "parser/rewriter/statement_text.h"
 
-#include <cstring>
 #include <utility>
 
 #include "parser/rewriter/keyword_search.h"
@@ -12,31 +11,6 @@ namespace {
 
 constexpr size_t kNone = std::string_view::npos;
 
-// The text with its ASCII letters in upper case; eight bytes at a time:
-// every byte from 'a' to 'z' loses the bit 0x20.
-std::string UpperAscii(const std::string& text) {
-  constexpr uint64_t kOnes = 0x0101010101010101ULL;
-  constexpr uint64_t kHigh = 0x8080808080808080ULL;
-  std::string upper(text);
-  char* p = upper.data();
-  const size_t n = upper.size();
-  size_t i = 0;
-  for (; i + 8 <= n; i += 8) {
-    uint64_t block;
-    std::memcpy(&block, p + i, 8);
-    const uint64_t low7 = block & ~kHigh;
-    // High bit of each byte: its low seven bits are >= 'a', > 'z', and the
-    // byte itself is ASCII.
-    const uint64_t from_a = low7 + kOnes * (0x80 - 'a');
-    const uint64_t past_z = low7 + kOnes * (0x80 - 'z' - 1);
-    const uint64_t lower = from_a & ~past_z & ~block & kHigh;
-    block ^= lower >> 2;
-    std::memcpy(p + i, &block, 8);
-  }
-  for (; i < n; ++i) p[i] = vb::AsciiUpper(p[i]);
-  return upper;
-}
-
 }  // namespace
 
 int16_t Pos16(int32_t value) {
@@ -45,7 +19,7 @@ int16_t Pos16(int32_t value) {
 }
 
 StatementText::StatementText(std::string&& text)
-    : upper_(UpperAscii(text)), text_(std::move(text)), end_(text_.size()) {}
+    : upper_(vb::UCase(text)), text_(std::move(text)), end_(text_.size()) {}
 
 std::string_view StatementText::Segment() const {
   return std::string_view(text_).substr(begin_, end_ - begin_);
