@@ -41,18 +41,22 @@ inline std::shared_ptr<Connection> OpenConnection(const std::string& connection_
   return connection;
 }
 
-// "number description" of the VbError `f` raised.
+// "number description" of an error.
+inline std::string FailureText(const VbError& e) {
+  return std::to_string(e.Number()) + " " + e.Description();
+}
+
+// FailureText of the VbError `f` raised.
 template <typename F>
 std::string Failure(F&& f) {
-  const VbError e = CaughtError(f);
-  return std::to_string(e.Number()) + " " + e.Description();
+  return FailureText(CaughtError(f));
 }
 
 // The first field's text of what `sql` answers, or "number description" of the error it raises.
 inline std::string Answer(Connection& connection, const std::string& sql) {
   std::string answer;
   const VbError e = CaughtError([&] { answer = connection.Execute(sql)->Fields(0).ConcatText(); });
-  return e.Number() == 0 ? answer : std::to_string(e.Number()) + " " + e.Description();
+  return e.Number() == 0 ? answer : FailureText(e);
 }
 
 // A stored-procedure command on `connection`.
@@ -95,6 +99,8 @@ class TempDbFile {
     std::remove(path_.c_str());
   }
   ~TempDbFile() { std::remove(path_.c_str()); }
+  TempDbFile(const TempDbFile&) = delete;  // one owner removes the file
+  TempDbFile& operator=(const TempDbFile&) = delete;
   const std::string& path() const { return path_; }
 
  private:

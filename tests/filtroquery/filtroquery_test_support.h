@@ -58,11 +58,7 @@ class FilterOnDemo {
   // name), each followed by a blank.
   std::string Outcome() const {
     std::string text = Sql() + "|" + Report() + "|";
-    const std::string marker = "in ZARVIK: CLSFW_FILTROQUERY - ";
-    for (const Message& box : Boxes()) {
-      const size_t at = box.text.find(marker);
-      text += (at == std::string::npos ? box.text : box.text.substr(at + marker.size())) + " ";
-    }
+    for (const Message& box : Boxes()) text += BoxTag(box, "CLSFW_FILTROQUERY") + " ";
     return text;
   }
 

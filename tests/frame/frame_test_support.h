@@ -29,6 +29,13 @@ inline std::string BoxLines(const RecordingMessageSink& sink) {
   return lines;
 }
 
+// A reported box's tag: what follows "in ZARVIK: <class_name> - " (the whole text without it).
+inline std::string BoxTag(const Message& box, const std::string& class_name) {
+  const std::string marker = "in ZARVIK: " + class_name + " - ";
+  const size_t at = box.text.rfind(marker);
+  return at == std::string::npos ? box.text : box.text.substr(at + marker.size());
+}
+
 // A demo database file that lives as long as the object.
 class DemoDatabaseFile {
  public:

@@ -13,6 +13,7 @@
 #include "db/connection.h"
 #include "db/tracing.h"
 #include "demo/demo_db.h"
+#include "frame/frame_test_support.h"
 #include "parser/clsfw_parser.h"
 #include "platform/env.h"
 #include "platform/message_sink.h"
@@ -107,11 +108,7 @@ struct ParserSession {
   // The tag of every box shown so far (what follows the reporter's marker).
   std::vector<std::string> BoxTags() const {
     std::vector<std::string> tags;
-    const std::string marker = "\r\nin ZARVIK: CLSFW_PARSER - ";
-    for (const Message& box : sink->messages) {
-      const size_t at = box.text.rfind(marker);
-      tags.push_back(at == std::string::npos ? box.text : box.text.substr(at + marker.size()));
-    }
+    for (const Message& box : sink->messages) tags.push_back(BoxTag(box, "CLSFW_PARSER"));
     return tags;
   }
 
